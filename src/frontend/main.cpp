@@ -1,0 +1,5 @@
+// Placeholder entry point until the command-line front end lands.
+int main()
+{
+    return 0;
+}
