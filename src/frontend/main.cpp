@@ -1,5 +1,58 @@
-// Placeholder entry point until the command-line front end lands.
-int main()
+#include "foundation/hexception.h"
+#include "frontend/buildrequest.h"
+#include "frontend/hreporter.h"
+#include "frontend/tidemakeargparse.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
+namespace {
+
+// Reports a refused command line and ends the program with status 1.
+[[noreturn]] void refuse(const char *message)
 {
+    report->error() << message << std::endl;
+    std::exit(1);
+}
+
+void checkOptions(const TidemakeArgParse &parser)
+{
+    if (report->errors != 0)
+        std::exit(1);
+    // An empty word counts as given here.
+    if (!parser.solution.isNull() && !parser.project.isNull())
+        refuse("-solution and -project are exclusive.");
+    if (parser.hdpFile.isEmpty())
+        refuse(".hdp file must be specified.");
+    if (parser.config.isEmpty())
+        refuse("-config must be specified.");
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    std::unique_ptr<QCoreApplication> application(new QCoreApplication(argc, argv));
+    report = new HReporter(argv[0], &std::cerr);
+    std::unique_ptr<TidemakeArgParse> parser(new TidemakeArgParse(report));
+    try {
+        if (argc <= 1)
+            parser->onHelp(nullptr, nullptr);
+        // SETTINGS: environment = new ARMTarnbenchEnvironmentSettings;
+        // environment->createEntries(); QTX: parser->benchDir = QTx::getBenchDir(argv[0]);
+        parser->parse(argc - 1, argv + 1);
+        checkOptions(*parser);
+        runBuildRequest(*parser);
+    } catch (const HException &exception) {
+        std::fprintf(stderr, "error: %s\n", exception.what());
+    } catch (...) {
+        std::fprintf(stderr, "Internal error detected\n");
+    }
+    parser.reset();
+    application.reset();
     return 0;
 }

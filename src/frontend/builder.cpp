@@ -1,0 +1,29 @@
+#include "frontend/builder.h"
+
+void Builder::note(const QString &) {}
+
+void Builder::success(const QString &) {}
+
+void Builder::message(const QString &) {}
+
+void Builder::idle() {}
+
+Builder::~Builder() = default;
+
+namespace {
+QString quotedIfSpaced(const QString &word)
+{
+    return word.contains(QLatin1Char(' ')) ? QLatin1Char('"') + word + QLatin1Char('"') : word;
+}
+} // namespace
+
+QString Builder::commandLine(const QStringList &command)
+{
+    if (command.isEmpty())
+        return QString();
+    // PATH: element 0 goes through Path::toOsPath once foundation/path.h lands.
+    QString line = quotedIfSpaced(command.first());
+    for (int i = 1; i < command.size(); ++i)
+        line += QLatin1Char(' ') + quotedIfSpaced(command.at(i));
+    return line;
+}

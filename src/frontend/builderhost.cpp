@@ -1,0 +1,17 @@
+#include "frontend/builderhost.h"
+
+namespace {
+BuilderHost *registeredHost = nullptr;
+}
+
+BuilderHost::~BuilderHost() = default;
+
+BuilderHost *builderHost()
+{
+    return registeredHost;
+}
+
+void setBuilderHost(BuilderHost *host)
+{
+    registeredHost = host;
+}

@@ -1,0 +1,100 @@
+#include "frontend/tidemakeargparse.h"
+
+#include "foundation/product.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+const char *const usageText[] = {
+    "\n",
+    "Usage: tidemake [option] <project>.hdp\n",
+    "\n",
+    "  -batch            batch build\n",
+    "  -config 'name'    build in 'name' configuration\n",
+    "  -clean            remove output files as build occurs\n",
+    "  -D macro=value    set the value of a macro\n",
+    "  -echo             show command lines as they are executed\n",
+    "  -project 'name'   build/batch build 'name' project\n",
+    "  -rebuild          always do the build step\n",
+    "  -show             show command lines but don't execute them\n",
+    "  -BenchDir 'name' set $(BenchDir) to 'name'\n",
+    "  -solution 'name'  build/batch build 'name' solution\n",
+    "  -verbose          show build information\n",
+    nullptr,
+};
+
+// Option words pass through Latin-1, so their bytes come back unchanged.
+QString fromWord(const char *word)
+{
+    return QString::fromLatin1(word);
+}
+
+template <typename Handler> OptionHandler handler(Handler member)
+{
+    return static_cast<OptionHandler>(member);
+}
+
+} // namespace
+
+TidemakeArgParse::TidemakeArgParse(HReporter *reporter) : ArgParse(reporter)
+{
+    addFlag("-batch", &batch);
+    addFlag("-clean", &clean);
+    addHandler("-config", 1, handler(&TidemakeArgParse::onConfig));
+    addHandler("-D", 1, handler(&TidemakeArgParse::onDefineMacro));
+    addFlag("-echo", &echo);
+    addHandler("-help", 0, handler(&TidemakeArgParse::onHelp));
+    addHandler("-project", 1, handler(&TidemakeArgParse::onProject));
+    addFlag("-rebuild", &rebuild);
+    addFlag("-show", &show);
+    addHandler("-solution", 1, handler(&TidemakeArgParse::onSolution));
+    addHandler("-BenchDir", 1, handler(&TidemakeArgParse::onBenchDir));
+    addFlag("-verbose", &verbose);
+}
+
+void TidemakeArgParse::onArgument(const char *argument)
+{
+    hdpFile = fromWord(argument);
+}
+
+void TidemakeArgParse::onHelp(const char *, const char *)
+{
+    std::fprintf(stderr, "%s tidemake   Release %s\n", Get_PRODUCT_GENERIC_NAME(),
+                 Get_SOFTWARE_RELEASE());
+    std::fprintf(stderr, "%s\n\n", Get_COPYRIGHT());
+    for (const char *const *line = usageText; *line; ++line)
+        std::fputs(*line, stderr);
+    std::exit(0);
+}
+
+void TidemakeArgParse::onConfig(const char *, const char *value)
+{
+    config = fromWord(value);
+}
+
+void TidemakeArgParse::onDefineMacro(const char *, const char *value)
+{
+    const char *equals = std::strchr(value, '=');
+    const QString name = equals ? QString::fromLatin1(value, equals - value) : fromWord(value);
+    const QString macroValue = equals ? fromWord(equals + 1) : QString();
+    // MACROS: wire to macroSystem.setGlobalMacro(name, macroValue) once macros/macrosystem.h lands.
+    (void)name;
+    (void)macroValue;
+}
+
+void TidemakeArgParse::onProject(const char *, const char *value)
+{
+    project = fromWord(value);
+}
+
+void TidemakeArgParse::onSolution(const char *, const char *value)
+{
+    solution = fromWord(value);
+}
+
+void TidemakeArgParse::onBenchDir(const char *, const char *value)
+{
+    benchDir = fromWord(value);
+}
