@@ -78,6 +78,13 @@ void Path::removeRelativePaths(QString &text)
     text = result;
 }
 
+// The file-name encoding, so that a name handed to the system directly names
+// the same file as it does when it goes through QFile or QFileInfo.
+QByteArray Path::toOsBytes(const QString &path)
+{
+    return QFile::encodeName(toOsPath(path));
+}
+
 bool Path::equal(const QString &a, const QString &b)
 {
     return toCanonicalPath(a) == toCanonicalPath(b);
@@ -224,19 +231,17 @@ QString Path::canonicalPathQString() const
     return d->canonicalPath;
 }
 
-// The byte forms use the file-name encoding, so that they name the same file
-// as the QString forms do when those go through QFile or QFileInfo.
 const char *Path::osPath() const
 {
     if (d->osPathBytes.isNull())
-        d->osPathBytes = QFile::encodeName(osPathQString());
+        d->osPathBytes = toOsBytes(osPathQString());
     return d->osPathBytes.constData();
 }
 
 const char *Path::canonicalPath() const
 {
     if (d->canonicalPathBytes.isNull())
-        d->canonicalPathBytes = QFile::encodeName(canonicalPathQString());
+        d->canonicalPathBytes = toOsBytes(canonicalPathQString());
     return d->canonicalPathBytes.constData();
 }
 

@@ -38,6 +38,8 @@ public:
     static QString toOsPath(const QString &path);
     /// The form of `path` that names are compared by.
     static QString toCanonicalPath(const QString &path);
+    /// The bytes that name `path` in calls to the operating system.
+    static QByteArray toOsBytes(const QString &path);
     /// Removes "/." parts and "dir/.." pairs, then doubled "/", in place.
     static void removeRelativePaths(QString &text);
     /// True if `a` and `b` have the same canonical form (case counts).
