@@ -1,8 +1,90 @@
 #include "macros/macrosystem.h"
 
 #include "properties/stringlistcodec.h"
+#include "settings/environmentpropertyvalue.h"
+#include "settings/environmentsettings.h"
+
+#include <QDate>
+#include <QTime>
+#include <vector>
 
 MacroSystem macroSystem;
+
+namespace {
+// Values may hold references that a further pass expands, so a text can keep changing (two
+// macros that refer to each other) or grow without end. A legitimate text settles in a few
+// passes and stays far below these limits.
+const int maxPasses = 100;
+const qsizetype maxLength = qsizetype(1) << 22;
+
+/// For each "(" in `text`, the index of the ")" that closes it, or -1 if none does.
+std::vector<qsizetype> closingParentheses(const QString &text)
+{
+    std::vector<qsizetype> closing(size_t(text.size()), -1);
+    std::vector<qsizetype> open;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) == QLatin1Char('(')) {
+            open.push_back(i);
+        } else if (text.at(i) == QLatin1Char(')') && !open.empty()) {
+            closing[size_t(open.back())] = i;
+            open.pop_back();
+        }
+    }
+    return closing;
+}
+
+/// One pass over `text`. Sets `nested` if a reference holds a "$". False if the result grew
+/// beyond `maxLength`, which abandons the pass.
+bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, QString &result,
+                bool &nested)
+{
+    const QStringView view(text);
+    const qsizetype length = text.size();
+    const std::vector<qsizetype> closing = closingParentheses(text);
+    const qsizetype lastDollar = text.lastIndexOf(QLatin1Char('$'));
+    result.reserve(length);
+    qsizetype i = 0;
+    while (i < length) {
+        const qsizetype dollar = text.indexOf(QLatin1Char('$'), i);
+        if (dollar < 0) {
+            result += view.mid(i);
+            break;
+        }
+        result += view.mid(i, dollar - i);
+        i = dollar;
+        if (i + 1 >= length || text.at(i + 1) != QLatin1Char('(')) {
+            result += QLatin1Char('$');
+            ++i;
+            continue;
+        }
+        const qsizetype close = closing[size_t(i + 1)];
+        if (close < 0) {
+            // Unclosed: the "$" is dropped and the scan, which ran to the end, saw any later "$".
+            if (lastDollar > i + 1)
+                nested = true;
+            ++i;
+            continue;
+        }
+        const QStringView token = view.mid(i + 2, close - i - 2);
+        if (token.contains(QLatin1Char('$')))
+            nested = true;
+        const qsizetype colon = token.indexOf(QLatin1Char(':'));
+        const QString name = (colon < 0 ? token : token.left(colon)).toString();
+        const auto found = macros.constFind(name);
+        QString dynamicValue;
+        if (found == macros.cend())
+            result += colon < 0 ? view.mid(i, close + 1 - i) : token.mid(colon + 1);
+        else if (MacroSystem::dynamicMacro(name, dynamicValue))
+            result += dynamicValue;
+        else
+            result += found.value();
+        if (result.size() > maxLength)
+            return false;
+        i = close + 1;
+    }
+    return true;
+}
+} // namespace
 
 MacroSystem::MacroSystem()
 {
@@ -17,8 +99,17 @@ QString MacroSystem::replaceMacros(const MacroMap &macros, const QString &text) 
 
 QString MacroSystem::replaceMacros2(const MacroMap &macros, QString text) const
 {
-    Q_UNUSED(macros);
-    return text;
+    if (!text.contains(QLatin1Char('$')))
+        return text;
+    for (int pass = 1;; ++pass) {
+        QString result(QLatin1String(""));
+        bool nested = false;
+        if (!expandOnce(macros, text, result, nested))
+            return text;
+        if (!nested || result.isEmpty() || result == text || pass >= maxPasses)
+            return result;
+        text = result;
+    }
 }
 
 MacroSystem::MacroMap MacroSystem::systemMacros() const
@@ -36,9 +127,19 @@ void MacroSystem::setSystemMacro(const QString &name, const QString &value)
     m_systemMacros.insert(name, value);
 }
 
+/// The setting that holds the global macros, or null before the settings exist.
+static EnvironmentPropertyValue *globalMacrosSetting()
+{
+    return environment ? environment->globalMacros() : nullptr;
+}
+
 MacroSystem::MacroMap MacroSystem::globalMacros(bool withSystemMacros) const
 {
-    return withSystemMacros ? m_systemMacros : MacroMap();
+    const MacroMap base = withSystemMacros ? m_systemMacros : MacroMap();
+    const EnvironmentPropertyValue *setting = globalMacrosSetting();
+    if (!setting)
+        return base;
+    return overwriteMacros(base, macrosFromStringList(setting->toStringList()));
 }
 
 QString MacroSystem::globalMacro(const QString &name) const
@@ -48,8 +149,15 @@ QString MacroSystem::globalMacro(const QString &name) const
 
 void MacroSystem::setGlobalMacro(const QString &name, const QString &value)
 {
-    Q_UNUSED(name);
-    Q_UNUSED(value);
+    EnvironmentPropertyValue *setting = globalMacrosSetting();
+    if (!setting)
+        return;
+    MacroMap macros = macrosFromStringList(setting->toStringList());
+    if (value.isEmpty())
+        macros.remove(name);
+    else
+        macros.insert(name, value);
+    setting->setValue(stringListFromMacros(macros));
 }
 
 MacroSystem::MacroMap MacroSystem::overwriteMacros(const MacroMap &base, const MacroMap &over) const
@@ -62,14 +170,23 @@ MacroSystem::MacroMap MacroSystem::overwriteMacros(const MacroMap &base, const M
 
 MacroSystem::MacroMap MacroSystem::macrosFromStringList(const QStringList &list) const
 {
-    Q_UNUSED(list);
-    return MacroMap();
+    MacroMap macros;
+    for (const QString &entry : list) {
+        const qsizetype equals = entry.indexOf(QLatin1Char('='));
+        if (equals < 0)
+            macros.insert(entry, QLatin1String(""));
+        else
+            macros.insert(entry.left(equals), entry.mid(equals + 1));
+    }
+    return macros;
 }
 
 QStringList MacroSystem::stringListFromMacros(const MacroMap &map) const
 {
-    Q_UNUSED(map);
-    return QStringList();
+    QStringList list;
+    for (auto it = map.cbegin(); it != map.cend(); ++it)
+        list.append(it.key().trimmed() + QLatin1Char('=') + it.value());
+    return list;
 }
 
 QString MacroSystem::escape(const QString &text)
@@ -89,7 +206,13 @@ QStringList MacroSystem::stringListFromString(const QString &text, bool keepEmpt
 
 bool MacroSystem::dynamicMacro(const QString &name, QString &value)
 {
-    Q_UNUSED(name);
-    Q_UNUSED(value);
+    if (name == QLatin1String("Date")) {
+        value = QDate::currentDate().toString(QStringLiteral("d MMMM yyyy"));
+        return true;
+    }
+    if (name == QLatin1String("Time")) {
+        value = QTime::currentTime().toString(QStringLiteral("hh:mm:ss"));
+        return true;
+    }
     return false;
 }

@@ -1,5 +1,7 @@
 #include "properties/propertyclass.h"
 
+#include "xml/xmlelement.h"
+
 #include <QColor>
 
 namespace {
@@ -57,7 +59,22 @@ PropertyClass::PropertyClass(const QString &saveName, const QString &group,
 
 PropertyClass::PropertyClass(const XMLElement *element)
 {
-    Q_UNUSED(element);
+    const auto attribute = [element](const char *name) {
+        return QString::fromLatin1(element->attribute(name));
+    };
+    m_saveName = attribute("name");
+    typeFromName(attribute("type"), m_type);
+    m_group = attribute("group");
+    m_shortDescription = attribute("short");
+    m_longDescription = attribute("long");
+    if (element->hasAttribute("default"))
+        m_defaultValue = attribute("default");
+    if (element->hasAttribute("minimum"))
+        m_minimum = attribute("minimum").toInt(nullptr, 10);
+    if (element->hasAttribute("maximum"))
+        m_maximum = attribute("maximum").toInt(nullptr, 10);
+    if (element->hasAttribute("enumeration"))
+        m_enumerates = attribute("enumeration").split(QLatin1Char(';'), Qt::SkipEmptyParts);
 }
 
 PropertyClass::~PropertyClass() = default;
