@@ -1,5 +1,7 @@
 #include "frontend/builder.h"
 
+#include "foundation/path.h"
+
 void Builder::note(const QString &) {}
 
 void Builder::success(const QString &) {}
@@ -21,8 +23,7 @@ QString Builder::commandLine(const QStringList &command)
 {
     if (command.isEmpty())
         return QString();
-    // PATH: element 0 goes through Path::toOsPath once foundation/path.h lands.
-    QString line = quotedIfSpaced(command.first());
+    QString line = quotedIfSpaced(Path::toOsPath(command.first()));
     for (int i = 1; i < command.size(); ++i)
         line += QLatin1Char(' ') + quotedIfSpaced(command.at(i));
     return line;

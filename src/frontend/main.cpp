@@ -1,7 +1,10 @@
 #include "foundation/hexception.h"
+#include "foundation/qtx.h"
 #include "frontend/buildrequest.h"
 #include "frontend/hreporter.h"
 #include "frontend/tidemakeargparse.h"
+#include "settings/armtarnbenchenvironmentsettings.h"
+#include "settings/environmentsettings.h"
 
 #include <QCoreApplication>
 
@@ -42,8 +45,11 @@ int main(int argc, char **argv)
     try {
         if (argc <= 1)
             parser->onHelp(nullptr, nullptr);
-        // SETTINGS: environment = new ARMTarnbenchEnvironmentSettings;
-        // environment->createEntries(); QTX: parser->benchDir = QTx::getBenchDir(argv[0]);
+        // Before parsing, since -D writes to the settings.
+        environment = new ARMTarnbenchEnvironmentSettings;
+        environment->createEntries();
+        // Before parsing, so that -BenchDir overrides it.
+        parser->benchDir = QTx::getBenchDir(argv[0]);
         parser->parse(argc - 1, argv + 1);
         checkOptions(*parser);
         runBuildRequest(*parser);

@@ -1,6 +1,7 @@
 #include "frontend/processrunner.h"
 
 #include <QByteArray>
+#include <QFile>
 
 #include <cerrno>
 #include <cstdio>
@@ -28,7 +29,7 @@ struct ChildArguments
     explicit ChildArguments(const QStringList &arguments)
     {
         for (const QString &argument : arguments)
-            words.push_back(argument.toLatin1());
+            words.push_back(QFile::encodeName(argument));
         for (QByteArray &word : words)
             argv.push_back(word.data());
         argv.push_back(nullptr);
@@ -127,7 +128,7 @@ int QTx::spawnProcess(const QStringList &arguments, bool wait, const QString &di
     }
 
     ChildArguments childArguments(arguments);
-    const QByteArray childDirectory = directory.toLatin1();
+    const QByteArray childDirectory = QFile::encodeName(directory);
     // Unwritten output would otherwise come out after the child's, or twice.
     std::fflush(nullptr);
     const pid_t pid = fork();

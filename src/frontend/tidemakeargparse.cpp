@@ -1,6 +1,9 @@
 #include "frontend/tidemakeargparse.h"
 
 #include "foundation/product.h"
+#include "macros/macrosystem.h"
+
+#include <QFile>
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,10 +28,10 @@ const char *const usageText[] = {
     nullptr,
 };
 
-// Option words pass through Latin-1, so their bytes come back unchanged.
+// Option words are decoded as file names are, so that a name given here opens that file.
 QString fromWord(const char *word)
 {
-    return QString::fromLatin1(word);
+    return QFile::decodeName(word);
 }
 
 template <typename Handler> OptionHandler handler(Handler member)
@@ -77,11 +80,10 @@ void TidemakeArgParse::onConfig(const char *, const char *value)
 void TidemakeArgParse::onDefineMacro(const char *, const char *value)
 {
     const char *equals = std::strchr(value, '=');
-    const QString name = equals ? QString::fromLatin1(value, equals - value) : fromWord(value);
+    const QString name =
+        equals ? QFile::decodeName(QByteArray(value, equals - value)) : fromWord(value);
     const QString macroValue = equals ? fromWord(equals + 1) : QString();
-    // MACROS: wire to macroSystem.setGlobalMacro(name, macroValue) once macros/macrosystem.h lands.
-    (void)name;
-    (void)macroValue;
+    macroSystem.setGlobalMacro(name, macroValue);
 }
 
 void TidemakeArgParse::onProject(const char *, const char *value)
