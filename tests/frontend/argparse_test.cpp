@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -41,11 +42,12 @@ public:
         return std::vector<std::string>(argv, argv + count);
     }
 
-    void parseWords(std::vector<std::string> words)
+    // Parses `words` as a command line; they live as long as the parser, as argv would.
+    void parseWords(const std::vector<std::string> &words)
     {
         std::vector<char *> argv;
-        for (std::string &word : words)
-            argv.push_back(word.data());
+        for (const std::string &word : words)
+            argv.push_back(commandLine.emplace_back(word).data());
         parse(int(argv.size()), argv.data());
     }
 
@@ -55,6 +57,7 @@ public:
     const char *storedValue = nullptr;
     std::vector<std::string> arguments;
     std::vector<std::string> values;
+    std::list<std::string> commandLine;
 };
 
 std::string repeated(const std::string &word, int times)
