@@ -15,7 +15,20 @@ namespace {
 // macros that refer to each other) or grow without end. A legitimate text settles in a few
 // passes and stays far below these limits.
 const int maxPasses = 100;
-const qsizetype maxLength = qsizetype(1) << 22;
+const qsizetype maxLength = qsizetype(1) << 20;
+
+/// The index of the ")" that closes a "(" standing before `from`, or -1 if none does.
+qsizetype closingParenthesis(const QString &text, qsizetype from)
+{
+    int depth = 1;
+    for (qsizetype i = from; i < text.size(); ++i) {
+        if (text.at(i) == QLatin1Char('('))
+            ++depth;
+        else if (text.at(i) == QLatin1Char(')') && --depth == 0)
+            return i;
+    }
+    return -1;
+}
 
 /// For each "(" in `text`, the index of the ")" that closes it, or -1 if none does.
 std::vector<qsizetype> closingParentheses(const QString &text)
@@ -40,7 +53,9 @@ bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, QStrin
 {
     const QStringView view(text);
     const qsizetype length = text.size();
-    const std::vector<qsizetype> closing = closingParentheses(text);
+    // Scanning each reference on its own is quadratic once one is unclosed, as every later
+    // one may scan to the end too; from then on all closing positions come from one sweep.
+    std::vector<qsizetype> closing;
     const qsizetype lastDollar = text.lastIndexOf(QLatin1Char('$'));
     result.reserve(length);
     qsizetype i = 0;
@@ -57,7 +72,14 @@ bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, QStrin
             ++i;
             continue;
         }
-        const qsizetype close = closing[size_t(i + 1)];
+        qsizetype close = -1;
+        if (!closing.empty()) {
+            close = closing[size_t(i + 1)];
+        } else {
+            close = closingParenthesis(text, i + 2);
+            if (close < 0)
+                closing = closingParentheses(text);
+        }
         if (close < 0) {
             // Unclosed: the "$" is dropped and the scan, which ran to the end, saw any later "$".
             if (lastDollar > i + 1)

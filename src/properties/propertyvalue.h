@@ -76,6 +76,8 @@ public:
     void setValue(int value);
     /// Stores the Boolean state, as `setValue(int)` with 0 or 1.
     void setValue(bool value);
+    /// Refused: an enum such as Qt::red would silently pick `setValue(int)`; pass a QColor.
+    void setValue(Qt::GlobalColor value) = delete;
 
 private:
     /// The text, or the class's default if it is empty.
