@@ -1,0 +1,6 @@
+#include "project/armprojectsystem.h"
+
+ARMProjectSystem::ARMProjectSystem(const QString &executableExtension)
+    : GCCProjectSystem(executableExtension)
+{
+}

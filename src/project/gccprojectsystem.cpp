@@ -1,0 +1,6 @@
+#include "project/gccprojectsystem.h"
+
+GCCProjectSystem::GCCProjectSystem(const QString &executableExtension)
+    : m_executableExtension(executableExtension)
+{
+}
