@@ -1,9 +1,70 @@
 #include "frontend/buildrequest.h"
 
+#include "build/buildsystem.h"
 #include "frontend/tidemakeargparse.h"
+#include "frontend/tidemakebuilder.h"
+#include "macros/macrosystem.h"
+#include "project/armprojectsystem.h"
+#include "project/projectelement.h"
+#include "toolchain/armbuildsystem.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// Says that `name` is not among `offered`, lists them one a line and ends the program.
+[[noreturn]] void refuseChoice(const char *format, const QString &name, const QStringList &offered)
+{
+    std::printf(format, name.toLocal8Bit().constData());
+    for (const QString &entry : offered)
+        std::puts(entry.toLocal8Bit().constData());
+    std::exit(1);
+}
+
+int buildType(const TidemakeArgParse &options)
+{
+    int type = options.clean ? BUILD_CLEAN | BUILD_FORCE | BUILD_CLEAN_ONLY : 0;
+    if (options.rebuild)
+        type |= BUILD_FORCE;
+    if (!options.verbose)
+        type |= BUILD_QUIET;
+    return type;
+}
+
+} // namespace
 
 void runBuildRequest(TidemakeArgParse &options)
 {
-    // Loading the solution and running the build come with the build engine.
-    (void)options;
+    projectSystem = new ARMProjectSystem;
+    buildSystem = new ARMBuildSystem(QStringList());
+    macroSystem.setSystemMacro(QStringLiteral("Platform"), QStringLiteral("arm"));
+    macroSystem.setSystemMacro(QStringLiteral("BenchDir"), options.benchDir);
+    projectSystem->loadSolution(options.hdpFile, nullptr);
+
+    const int type = buildType(options);
+    if (options.show)
+        options.echo = true;
+
+    ProjectElement *element = projectSystem->solutionElement();
+    if (!options.project.isEmpty()) {
+        element = ProjectSystem::findProject(element, options.project);
+        if (!element)
+            refuseChoice("can't find project '%s' supported projects:\n", options.project,
+                         projectSystem->solutionProjects(nullptr).keys());
+    }
+    if (!options.solution.isEmpty()) {
+        const QMap<QString, ProjectElement *> solutions = projectSystem->solutionSolutions();
+        element = solutions.value(options.solution, nullptr);
+        if (!element)
+            refuseChoice("can't find solution '%s' supported solutions:\n", options.solution,
+                         solutions.keys());
+    }
+    const QStringList configurations = projectSystem->configurations(element, 4);
+    if (!configurations.contains(options.config))
+        refuseChoice("can't find configuration '%s' supported configurations:\n", options.config,
+                     configurations);
+
+    TidemakeBuilder builder(options.echo, options.show);
+    buildSystem->build(element, options.config, &builder, type, true, options.batch);
 }

@@ -3,6 +3,7 @@
 #include "frontend/buildrequest.h"
 #include "frontend/hreporter.h"
 #include "frontend/tidemakeargparse.h"
+#include "project/solutionloaderror.h"
 #include "settings/armtarnbenchenvironmentsettings.h"
 #include "settings/environmentsettings.h"
 
@@ -53,6 +54,13 @@ int main(int argc, char **argv)
         parser->parse(argc - 1, argv + 1);
         checkOptions(*parser);
         runBuildRequest(*parser);
+    } catch (const SolutionLoadError &error) {
+        if (error.kind == SolutionLoadError::BadXML)
+            std::fprintf(stderr, "load error: bad XML file - %s\n",
+                         error.message.toLocal8Bit().constData());
+        else
+            std::fprintf(stderr, "load error: %s%s\n", error.fileName.toLocal8Bit().constData(),
+                         error.message.toLocal8Bit().constData());
     } catch (const HException &exception) {
         std::fprintf(stderr, "error: %s\n", exception.what());
     } catch (...) {

@@ -1,0 +1,494 @@
+#include "build/buildsystem.h"
+
+#include "frontend/builder.h"
+#include "frontend/builderhost.h"
+#include "macros/macrosystem.h"
+#include "project/projectelement.h"
+#include "project/projectsystem.h"
+
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <cstdio>
+
+BuildSystem *buildSystem = nullptr;
+
+namespace {
+
+QString nameOf(const ProjectElement *element)
+{
+    return element ? element->attributes().value(QStringLiteral("Name")) : QString();
+}
+
+// Deeper chains of project dependencies than this are refused rather than risking the stack.
+constexpr int maximumDependencyDepth = 1000;
+
+} // namespace
+
+/// What the console builder needs of the engine, handed on to the build system.
+class BuildSystemHost : public BuilderHost
+{
+public:
+    explicit BuildSystemHost(BuildSystem *buildSystem) : m_buildSystem(buildSystem) {}
+
+    bool builtinCommand(const QString &directory, const QStringList &command,
+                        QString &message) override
+    {
+        QStringList words = command;
+        return m_buildSystem->builtinCommand(directory, words, message);
+    }
+    void setErrorOccurred() override { m_buildSystem->errorOccurred = true; }
+    void ensureDirExists(const QString &fileName) override
+    {
+        m_buildSystem->ensureDirExists(fileName);
+    }
+
+private:
+    BuildSystem *m_buildSystem;
+};
+
+BuildSystem::BuildSystem() : m_host(std::make_unique<BuildSystemHost>(this))
+{
+    const char *const buildOptions = "Build Options";
+    const char *const compilerOptions = "Compiler Options";
+
+    buildTreatWarningsAsErrorsProperty =
+        makePropertyClass("build_treat_warnings_as_errors", PropertyClass::Boolean, buildOptions,
+                          "Treat Warnings as Errors", "Treat all warnings as errors.", "No");
+    buildSuppressWarningsProperty =
+        makePropertyClass("build_suppress_warnings", PropertyClass::Boolean, buildOptions,
+                          "Suppress Warnings", "Don't report warnings.", "No");
+    buildIntermediateDirectoryProperty = makePropertyClass(
+        "build_intermediate_directory", PropertyClass::FileName, buildOptions,
+        "Intermediate Directory", "Specifies a relative path to the intermediate file directory.",
+        "$(Configuration)");
+    buildOutputDirectoryProperty = makePropertyClass(
+        "build_output_directory", PropertyClass::FileName, buildOptions, "Output Directory",
+        "Specifies a relative path to the output file directory.", "$(Configuration)");
+    buildObjectFileNameProperty = makePropertyClass(
+        "build_object_file_name", PropertyClass::FileName, compilerOptions, "Object File Name",
+        "Specifies a name to override the default object file name.",
+        "$(IntDir)/$(InputName)$(OBJ)");
+    // One save name, two classes: the action decides which one a build reads. The catalogue
+    // keeps the library's, made last.
+    linkerOutputFileNameProperty = makePropertyClass(
+        "build_output_file_name", PropertyClass::FileName, "Linker Options", "Executable File Name",
+        "Specifies a name to override the default executable file name.",
+        "$(OutDir)/$(ProjectName)$(EXE)");
+    libraryOutputFileNameProperty = makePropertyClass(
+        "build_output_file_name", PropertyClass::FileName, "Library Options", "Library File Name",
+        "Specifies a name to override the default library file name.",
+        "$(OutDir)/$(ProjectName)$(LIB)");
+    buildQuietlyProperty = makePropertyClass(
+        "build_quietly", PropertyClass::Boolean, buildOptions, "Build Quietly",
+        "Suppress the display of startup banners and information messages.", "Yes");
+    buildActionProperty =
+        makePropertyClass("build_action", PropertyClass::String, "(Information)", "Build Action",
+                          "Specifies what action builds the output file.");
+    buildDebugInformationProperty =
+        makePropertyClass("build_debug_information", PropertyClass::Boolean, buildOptions,
+                          "Include Debug Information",
+                          "Specifies whether symbolic debug information is generated.", "Yes");
+    buildExcludeFromBuildProperty = makePropertyClass(
+        "build_exclude_from_build", PropertyClass::Boolean, buildOptions, "Exclude From Build",
+        "Specifies whether or not to exclude the project/file from the build.", "No");
+
+    const char *const staging = "Staging Options";
+    const QString stageMacrosNote =
+        QStringLiteral(" The macros $(StageOutputFilePath) and "
+                       "$(StageBenchDirRelativeOutputFilePath) are defined.");
+    stageOutputFilePathProperty = makePropertyClass(
+        "stage_output_filepath", PropertyClass::String, staging, "Output File Path",
+        "The output file path the stage command will create.", "$(OutDir)/$(RelInputPath)");
+    stagePackageFilePathProperty = makePropertyClass(
+        "stage_package_filepath", PropertyClass::String, staging, "Package File Path",
+        "The package file path that the stage command will update.");
+    stagePackageMemberNameProperty = makePropertyClass(
+        "stage_package_member_name", PropertyClass::String, staging, "Package Member Name",
+        "The name of the package member." + stageMacrosNote,
+        "$(StageBenchDirRelativeOutputFilePath)");
+    stageCommandProperty =
+        makePropertyClass("stage_command", PropertyClass::String, staging, "Stage command",
+                          "The command to execute." + stageMacrosNote,
+                          "cp \"$(RelInputPath)\" \"$(StageOutputFilePath)\"");
+    stageSetReadOnlyProperty =
+        makePropertyClass("stage_set_readonly", PropertyClass::Boolean, staging, "Set To Read-only",
+                          "Set the output file to read only or read/write.", "No");
+
+    const char *const combining = "Combining Options";
+    combineOutputFilePathProperty = makePropertyClass(
+        "combine_output_filepath", PropertyClass::String, combining, "Output File Path",
+        "The output file path the stage command will create.", "$(OutDir)/$(InputFileName)");
+    combineCommandProperty = makePropertyClass("combine_command", PropertyClass::String, combining,
+                                               "Combine command", "The command to execute.");
+    combineSetReadOnlyProperty = makePropertyClass(
+        "combine_set_readonly", PropertyClass::Boolean, combining, "Set To Read-only",
+        "Set the output file to read only or read/write.", "No");
+
+    setBuilderHost(m_host.get());
+    if (projectSystem)
+        projectSystem->setSettingExpander(this);
+}
+
+BuildSystem::~BuildSystem()
+{
+    if (builderHost() == m_host.get())
+        setBuilderHost(nullptr);
+    if (projectSystem && projectSystem->settingExpander() == this)
+        projectSystem->setSettingExpander(nullptr);
+    if (buildSystem == this)
+        buildSystem = nullptr;
+}
+
+PropertyClass *BuildSystem::makePropertyClass(const char *saveName, PropertyClass::Type type,
+                                              const char *group, const char *shortDescription,
+                                              const QString &longDescription,
+                                              const char *defaultValue)
+{
+    m_ownedClasses.push_back(std::make_unique<PropertyClass>(
+        QString::fromLatin1(saveName), type, QString::fromLatin1(group),
+        QString::fromLatin1(shortDescription), longDescription,
+        defaultValue ? QString::fromLatin1(defaultValue) : QString()));
+    addPropertyClass(m_ownedClasses.back().get());
+    return m_ownedClasses.back().get();
+}
+
+PropertyClass *BuildSystem::makeEnumerationClass(const char *saveName, const QStringList &values,
+                                                 const char *group, const char *shortDescription,
+                                                 const char *longDescription,
+                                                 const char *defaultValue)
+{
+    m_ownedClasses.push_back(std::make_unique<PropertyClass>(
+        QString::fromLatin1(saveName), PropertyClass::Enumeration, values,
+        QString::fromLatin1(group), QString::fromLatin1(shortDescription),
+        QString::fromLatin1(longDescription),
+        defaultValue ? QString::fromLatin1(defaultValue) : QString()));
+    addPropertyClass(m_ownedClasses.back().get());
+    return m_ownedClasses.back().get();
+}
+
+void BuildSystem::addPropertyClass(PropertyClass *propertyClass)
+{
+    m_propertyClasses.insert(propertyClass->saveName(), propertyClass);
+}
+
+PropertyClass *BuildSystem::findPropertyClass(const QString &saveName) const
+{
+    return m_propertyClasses.value(saveName, nullptr);
+}
+
+void BuildSystem::addMacros(ProjectElement *, const QString &, QMap<QString, QString> &) {}
+
+bool BuildSystem::builtinCommand(const QString &, QStringList &, QString &)
+{
+    return false;
+}
+
+// The walk.
+
+int BuildSystem::build(ProjectElement *element, const QString &configuration, Builder *builder,
+                       int type, bool withDependencies, bool batch)
+{
+    stopRequested = false;
+    errorOccurred = false;
+    built.clear();
+    m_inProgress.clear();
+    m_reportedCycles.clear();
+
+    bool any = false;
+    if (element && element->type() == ProjectElement::Solution) {
+        any = solutionBuild(element, configuration, builder, type, batch);
+    } else if (element && element->type() == ProjectElement::Project && withDependencies) {
+        any = projectBuild(element, configuration, builder, type, batch, configuration);
+    } else {
+        if (builder)
+            displayProjectConfiguration(element, configuration, builder, type);
+        builtStruct record;
+        record.element = element;
+        record.configuration = configuration;
+        record.built = platformBuild(element, configuration, builder, type);
+        built.append(record);
+        any = record.built;
+        if (builder)
+            builder->endGroup(element);
+    }
+
+    if ((errorOccurred || stopRequested) && builder)
+        builder->endGroup(element);
+    if (stopRequested)
+        return 3;
+    if (errorOccurred)
+        return 2;
+    return any ? 1 : 0;
+}
+
+bool BuildSystem::solutionBuild(ProjectElement *solution, const QString &configuration,
+                                Builder *builder, int type, bool batch)
+{
+    if (errorOccurred || stopRequested || !solution || !solution->firstChild())
+        return false;
+    bool any = false;
+    for (ProjectElement *child = solution->firstChild(); child; child = child->nextSibling()) {
+        if (child->type() == ProjectElement::Project) {
+            if (projectBuild(child, configuration, builder, type, batch, configuration))
+                any = true;
+        } else if (child->type() == ProjectElement::Solution) {
+            if (solutionBuild(child, configuration, builder, type, batch))
+                any = true;
+        }
+        if (errorOccurred || stopRequested)
+            break;
+    }
+    return any;
+}
+
+bool BuildSystem::projectBuild(ProjectElement *project, const QString &configuration,
+                               Builder *builder, int type, bool batch,
+                               const QString &batchConfiguration)
+{
+    const QStringList configurations =
+        batch ? projectSystem->getBatchBuildConfigurations(project, batchConfiguration)
+              : QStringList{configuration};
+    if (errorOccurred || stopRequested)
+        return false;
+
+    bool any = false;
+    for (const QString &thatConfiguration : configurations) {
+        if (projectSystem->settingFor(project, buildExcludeFromBuildProperty, thatConfiguration) !=
+            QLatin1String("No"))
+            continue;
+        bool flag = false;
+        if (justBuilt(project, thatConfiguration, flag)) {
+            any = any || flag;
+            continue;
+        }
+        const qsizetype underWay = inProgressIndex(project, thatConfiguration);
+        if (underWay >= 0) {
+            // A dependency cycle: this build is already under way further up, so the edge
+            // that led back here is cut.
+            reportCycle(underWay, builder);
+            continue;
+        }
+        if (m_inProgress.size() >= maximumDependencyDepth) {
+            if (builder)
+                builder->error(QStringLiteral("project dependencies nested too deeply at \"") +
+                               nameOf(project) + QLatin1Char('"'));
+            errorOccurred = true;
+            break;
+        }
+        m_inProgress.append({project, thatConfiguration});
+        if (projectBuildConfiguration(project, thatConfiguration, builder, type, batch,
+                                      batchConfiguration))
+            any = true;
+        m_inProgress.removeLast();
+        if (errorOccurred || stopRequested)
+            break;
+    }
+    return any;
+}
+
+bool BuildSystem::projectBuildConfiguration(ProjectElement *project, const QString &configuration,
+                                            Builder *builder, int type, bool batch,
+                                            const QString &batchConfiguration)
+{
+    bool any = false;
+    const QList<ProjectElement *> dependencies =
+        projectSystem->directlyDependsOn(project, configuration);
+    for (ProjectElement *dependency : dependencies) {
+        if (errorOccurred || stopRequested)
+            break;
+        if (projectBuild(dependency, configuration, builder, type, batch, batchConfiguration))
+            any = true;
+    }
+    if (errorOccurred || stopRequested)
+        return any;
+
+    if (builder)
+        displayProjectConfiguration(project, configuration, builder, type);
+    builtStruct record;
+    record.element = project;
+    record.configuration = configuration;
+    record.built = platformBuild(project, configuration, builder, type) || any;
+    built.append(record);
+    if (builder)
+        builder->endGroup(nullptr);
+    return record.built;
+}
+
+qsizetype BuildSystem::inProgressIndex(const ProjectElement *project,
+                                       const QString &configuration) const
+{
+    for (qsizetype i = 0; i < m_inProgress.size(); ++i) {
+        if (m_inProgress[i].project == project && m_inProgress[i].configuration == configuration)
+            return i;
+    }
+    return -1;
+}
+
+void BuildSystem::reportCycle(qsizetype start, Builder *builder)
+{
+    ProjectSystem::DependencyCycle cycle;
+    for (qsizetype i = start; i < m_inProgress.size(); ++i)
+        cycle.append(m_inProgress[i].project);
+
+    // The same cycle met from another member or in another configuration is told once.
+    QList<ProjectElement *> members = cycle;
+    std::sort(members.begin(), members.end());
+    members.erase(std::unique(members.begin(), members.end()), members.end());
+    if (m_reportedCycles.contains(members))
+        return;
+    m_reportedCycles.insert(members);
+
+    cycle.append(cycle.first());
+    if (builder)
+        builder->error(projectSystem->dependencyCycleText(cycle));
+}
+
+void BuildSystem::displayProjectConfiguration(ProjectElement *element, const QString &configuration,
+                                              Builder *builder, int type)
+{
+    QString verb = QStringLiteral("Building");
+    if ((type & BUILD_CLEAN) && (type & BUILD_CLEAN_ONLY))
+        verb = QStringLiteral("Cleaning");
+    else if (type & BUILD_CLEAN)
+        verb = QStringLiteral("Rebuilding");
+    const QString text =
+        verb + QStringLiteral(" \"") + nameOf(ProjectSystem::projectContaining(element)) +
+        QStringLiteral("\" in configuration \"") + configuration + QLatin1Char('"');
+    builder->beginGroup(element, text, true);
+}
+
+bool BuildSystem::justBuilt(ProjectElement *element, const QString &configuration,
+                            bool &builtFlag) const
+{
+    for (const builtStruct &record : built) {
+        if (record.element == element && record.configuration == configuration) {
+            builtFlag = record.built;
+            return true;
+        }
+    }
+    return false;
+}
+
+// Macros and settings.
+
+QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QString &configuration)
+{
+    QMap<QString, QString> map = macroSystem.globalMacros(true);
+
+    const QString projectMacros =
+        projectSystem->settingFor(element, projectSystem->macrosClass, configuration);
+    map = macroSystem.overwriteMacros(
+        map, macroSystem.macrosFromStringList(MacroSystem::stringListFromString(projectMacros)));
+
+    map.insert(QStringLiteral("ProjectNodeName"), nameOf(element));
+    if (ProjectElement *project = ProjectSystem::projectContaining(element)) {
+        map.insert(QStringLiteral("ProjectDir"), ProjectSystem::projectDirectoryPath(project));
+        map.insert(QStringLiteral("ProjectName"), nameOf(project));
+    }
+    map.insert(QStringLiteral("Configuration"), configuration);
+    map.insert(QStringLiteral("Platform"), projectSystem->platform(element).toLower());
+
+    ProjectElement *solution = ProjectSystem::solutionContaining(element);
+    const QFileInfo solutionFile(solution ? solution->path().filePath() : QString());
+    const bool haveSolutionFile = !solutionFile.filePath().isEmpty();
+    map.insert(QStringLiteral("SolutionDir"),
+               haveSolutionFile ? solutionFile.absolutePath() : QString());
+    map.insert(QStringLiteral("SolutionName"), solutionFile.baseName());
+    map.insert(QStringLiteral("SolutionFileName"), solutionFile.fileName());
+    map.insert(QStringLiteral("SolutionPath"),
+               haveSolutionFile ? solutionFile.absoluteFilePath() : QString());
+    map.insert(QStringLiteral("SolutionExt"), solutionFile.completeSuffix());
+
+    if (element && element->type() == ProjectElement::File) {
+        const QFileInfo &input = element->fileInfo();
+        map.insert(QStringLiteral("InputDir"), input.path());
+        map.insert(QStringLiteral("InputName"), input.baseName());
+        map.insert(QStringLiteral("InputFileName"), input.fileName());
+        map.insert(QStringLiteral("InputExt"), input.completeSuffix());
+        map.insert(QStringLiteral("InputPath"), input.absoluteFilePath());
+        map.insert(QStringLiteral("RelInputPath"), element->relativePath());
+    }
+
+    map.insert(QStringLiteral("OBJ"), projectSystem->objectFileExtension());
+    map.insert(QStringLiteral("EXE"), projectSystem->executableFileExtension());
+    map.insert(QStringLiteral("LIB"), projectSystem->libraryFileExtension());
+    map.insert(QStringLiteral("PackageExt"), QStringLiteral("hdq"));
+    map.insert(QStringLiteral("IntDir"),
+               dotify(macroSystem.replaceMacros(
+                   map, projectSystem->settingFor(element, buildIntermediateDirectoryProperty,
+                                                  configuration))));
+    map.insert(
+        QStringLiteral("OutDir"),
+        dotify(macroSystem.replaceMacros(
+            map, projectSystem->settingFor(element, buildOutputDirectoryProperty, configuration))));
+
+    addMacros(element, configuration, map);
+    return map;
+}
+
+QString BuildSystem::replaceMacros(ProjectElement *element, const QString &text,
+                                   const QString &configuration)
+{
+    return macroSystem.replaceMacros(macros(element, configuration), text);
+}
+
+QString BuildSystem::settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,
+                                        const QString &configuration)
+{
+    return replaceMacros(element, projectSystem->settingFor(element, propertyClass, configuration),
+                         configuration);
+}
+
+// Services.
+
+bool BuildSystem::recursiveMkdir(const QDir &dir)
+{
+    // The missing directories from the top down; a loop rather than recursion, so that no
+    // path is too deep for the stack.
+    QStringList missing;
+    QString path = QDir::cleanPath(dir.absolutePath());
+    while (!QDir(path).isRoot() && !QDir(path).exists()) {
+        missing.prepend(path);
+        path = QDir::cleanPath(path + QStringLiteral("/.."));
+    }
+    bool created = true;
+    for (const QString &directory : std::as_const(missing))
+        created = QDir().mkdir(directory);
+    return created;
+}
+
+bool BuildSystem::ensureDirExists(const QString &filePath)
+{
+    return recursiveMkdir(QDir(QFileInfo(filePath).absolutePath()));
+}
+
+QString BuildSystem::createTmpFile(ProjectElement *element, const QString &configuration)
+{
+    const QString directory =
+        ProjectSystem::projectDirectoryPath(ProjectSystem::projectContaining(element)) +
+        QLatin1Char('/') +
+        settingForExpanded(element, buildIntermediateDirectoryProperty, configuration) +
+        QLatin1Char('/');
+    // The C library's temporary name, P_tmpdir "/file" and six characters, made here since
+    // tmpnam itself is unsafe; a name is fresh if it was not handed out before and no such
+    // file exists.
+    static const char characters[] =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    for (;;) {
+        QString name = QStringLiteral(P_tmpdir "/file");
+        for (int i = 0; i < 6; ++i)
+            name += QLatin1Char(characters[QRandomGenerator::global()->bounded(62)]);
+        const QString path = directory + name;
+        if (m_tmpNames.contains(path) || QFileInfo::exists(path) || QFileInfo::exists(name))
+            continue;
+        m_tmpNames.insert(path);
+        return path;
+    }
+}
+
+QString BuildSystem::dotify(const QString &text) const
+{
+    return text.isEmpty() ? QStringLiteral(".") : text;
+}
