@@ -49,6 +49,19 @@ private:
     PoolObjectLink objects;
 };
 
+/// Makes a pool current for the lifetime of the object and then restores the previous one.
+class CurrentPoolScope
+{
+public:
+    explicit CurrentPoolScope(Pool *pool) : previous(Pool::setCurrentPool(pool)) {}
+    ~CurrentPoolScope() { Pool::setCurrentPool(previous); }
+    CurrentPoolScope(const CurrentPoolScope &) = delete;
+    CurrentPoolScope &operator=(const CurrentPoolScope &) = delete;
+
+private:
+    Pool *previous;
+};
+
 /// A std allocator that takes memory from a pool and never gives it back; with a
 /// null pool it uses the heap.
 template <typename T> class PoolAllocator

@@ -11,19 +11,6 @@
 
 namespace {
 
-// Makes `pool` current for the lifetime of the object.
-class CurrentPool
-{
-public:
-    explicit CurrentPool(Pool *pool) : previous(Pool::setCurrentPool(pool)) {}
-    ~CurrentPool() { Pool::setCurrentPool(previous); }
-    CurrentPool(const CurrentPool &) = delete;
-    CurrentPool &operator=(const CurrentPool &) = delete;
-
-private:
-    Pool *previous;
-};
-
 // Reads a whole file into a new NUL-terminated buffer; null if it can't be read.
 char *readWholeFile(const char *fileName)
 {
@@ -80,7 +67,7 @@ bool XMLDocument::loadFromString(const char *text)
 {
     XMLParser parser;
     {
-        CurrentPool current(&pool);
+        CurrentPoolScope current(&pool);
         root = parser.parse(this, text);
     }
     switch (parser.errorCode) {
