@@ -7,8 +7,9 @@ namespace {
 
 constexpr char compressedFileHeader[8] = {'\x7A', '\xF4', '\x31', '\xB2', 0, 0, 0, 0};
 constexpr qint64 headerSize = sizeof compressedFileHeader;
-// Deflate can't shrink data by more than about 1032 to 1; a length header that
-// claims more than that of its stream is a lie, and isn't worth decompressing.
+// Deflate spends at least 2 bits on 258 bytes, so it can't shrink data by more
+// than 1032 to 1; a length header that claims more than that of its stream is a
+// lie, and decompressing it isn't even tried.
 constexpr quint64 maxDeflateRatio = 1032;
 
 bool hasHeader(const QByteArray &bytes)

@@ -1,28 +1,43 @@
 #include "foundation/texthelpers.h"
 
-QString xmlEscapeEntities(const QString &text)
+namespace {
+
+struct Replacement
+{
+    const char *from;
+    const char *to;
+};
+
+QString replacedInOrder(const QString &text, std::initializer_list<Replacement> replacements)
 {
     QString result = text;
-    result.replace(QLatin1Char('&'), QLatin1String("&amp;"));
-    result.replace(QLatin1Char('>'), QLatin1String("&gt;"));
-    result.replace(QLatin1Char('<'), QLatin1String("&lt;"));
-    result.replace(QLatin1Char('"'), QLatin1String("&quot;"));
-    result.replace(QLatin1Char('\''), QLatin1String("&apos;"));
-    result.replace(QChar(0xB7), QLatin1String("&middot;"));
+    for (const Replacement &r : replacements)
+        result.replace(QString::fromUtf8(r.from), QString::fromUtf8(r.to));
     return result;
+}
+
+} // namespace
+
+// The order matters: "&" goes first so that the entities written later keep theirs.
+QString xmlEscapeEntities(const QString &text)
+{
+    return replacedInOrder(text, {{"&", "&amp;"},
+                                  {">", "&gt;"},
+                                  {"<", "&lt;"},
+                                  {"\"", "&quot;"},
+                                  {"'", "&apos;"},
+                                  {"\u00B7", "&middot;"}});
 }
 
 QString xmlUnescapeEntities(const QString &text)
 {
-    QString result = text;
-    result.replace(QLatin1String("&amp;"), QLatin1String("&"));
-    result.replace(QLatin1String("&lt;"), QLatin1String("<"));
-    result.replace(QLatin1String("&gt;"), QLatin1String(">"));
-    result.replace(QLatin1String("&quot;"), QLatin1String("\""));
-    result.replace(QLatin1String("&apos;"), QLatin1String("'"));
-    result.replace(QLatin1String("&nbsp;"), QLatin1String(" "));
-    result.replace(QLatin1String("&middot;"), QString(QChar(0xB7)));
-    return result;
+    return replacedInOrder(text, {{"&amp;", "&"},
+                                  {"&lt;", "<"},
+                                  {"&gt;", ">"},
+                                  {"&quot;", "\""},
+                                  {"&apos;", "'"},
+                                  {"&nbsp;", " "},
+                                  {"&middot;", "\u00B7"}});
 }
 
 QString ldquot()

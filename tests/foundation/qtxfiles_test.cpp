@@ -8,26 +8,19 @@
 
 namespace {
 
-// Sets environment variables for one test and puts the old values back.
+// Puts the named environment variables back as they were when it goes.
 class EnvironmentScope
 {
 public:
-    void set(const char *name, const char *value)
+    EnvironmentScope(std::initializer_list<const char *> names)
     {
-        remember(name);
-        if (value)
-            qputenv(name, value);
-        else
-            qunsetenv(name);
+        for (const char *name : names)
+            saved.push_back({name, qEnvironmentVariableIsSet(name), qgetenv(name)});
     }
     ~EnvironmentScope()
     {
-        for (auto it = saved.rbegin(); it != saved.rend(); ++it) {
-            if (it->wasSet)
-                qputenv(it->name, it->value);
-            else
-                qunsetenv(it->name);
-        }
+        for (const Saved &s : saved)
+            s.wasSet ? qputenv(s.name, s.value) : qunsetenv(s.name);
         tzset();
     }
 
@@ -38,10 +31,6 @@ private:
         bool wasSet;
         QByteArray value;
     };
-    void remember(const char *name)
-    {
-        saved.push_back({name, qEnvironmentVariableIsSet(name), qgetenv(name)});
-    }
     std::vector<Saved> saved;
 };
 
@@ -71,16 +60,16 @@ TEST(QTxLocationsTest, InstallationRootAndTemporaryDirectory)
     EXPECT_TRUE(QTx::appPath().endsWith("foundation_tests"));
     EXPECT_EQ(QTx::appDir(), QTx::rootDirectory() + "/tests");
 
-    EnvironmentScope env;
-    env.set("TMP", nullptr);
-    env.set("TEMP", nullptr);
-    env.set("TMPDIR", nullptr);
+    EnvironmentScope env{"TMP", "TEMP", "TMPDIR", "HOME"};
+    qunsetenv("TMP");
+    qunsetenv("TEMP");
+    qunsetenv("TMPDIR");
     EXPECT_EQ(QTx::tmpDir(), "/tmp");
-    env.set("TMPDIR", "/var/tmpdir");
+    qputenv("TMPDIR", "/var/tmpdir");
     EXPECT_EQ(QTx::tmpDir(), "/var/tmpdir");
-    env.set("TMP", "/var/tmp1");
+    qputenv("TMP", "/var/tmp1");
     EXPECT_EQ(QTx::tmpDir(), "/var/tmp1");
-    env.set("HOME", "/home/someone");
+    qputenv("HOME", "/home/someone");
     EXPECT_EQ(QTx::userProfileDirectory(), "/home/someone");
 }
 
@@ -157,11 +146,11 @@ TEST(QTxFilesTest, CreateFileSetWriteableAndUtcTime)
 
     // The UTC clock reading taken as local time: in a zone 5 hours behind UTC,
     // that lies 5 hours after the real instant.
-    EnvironmentScope env;
-    env.set("TZ", "UTC0");
+    EnvironmentScope env{"TZ"};
+    qputenv("TZ", "UTC0");
     tzset();
     EXPECT_EQ(QTx::getUTCModificationTime(name), 1234567890);
-    env.set("TZ", "EST5");
+    qputenv("TZ", "EST5");
     tzset();
     EXPECT_EQ(QTx::getUTCModificationTime(name), 1234567890 + 5 * 3600);
     EXPECT_EQ(QTx::getUTCModificationTime(scratch.file("missing")), 0);
