@@ -104,13 +104,19 @@ TEST_F(TidemakeRun, RefusesIncompleteCommandLines)
 TEST_F(TidemakeRun, AcceptsAValidCommandLine)
 {
     work.write("args", "# options\n-config Debug \"b.hdp\"\n-project \"\"\n");
-    for (const QStringList &arguments :
-         {QStringList{"a.hdp", "b.hdp", "-config", "Debug"}, QStringList{"a.hdp", "@args"},
-          QStringList{"-batch", "-clean", "-echo", "-show", "-rebuild", "-verbose", "-BenchDir",
-                      "/x", "-config", "Release", "a.hdp"}}) {
-        const RunResult result = run(arguments);
-        EXPECT_EQ(result.exitCode, 0) << arguments.join(' ').toStdString();
-        EXPECT_EQ(result.out + result.err, "") << arguments.join(' ').toStdString();
+    const QList<QPair<QStringList, QString>> cases = {
+        {{"a.hdp", "b.hdp", "-config", "Debug"}, "b.hdp"},
+        {{"a.hdp", "@args"}, "b.hdp"},
+        {{"-batch", "-clean", "-echo", "-show", "-rebuild", "-verbose", "-BenchDir", "/x",
+          "-config", "Release", "a.hdp"},
+         "a.hdp"},
+    };
+    // The options pass their checks and the last file named is the one loaded; none exists.
+    for (const auto &c : cases) {
+        const RunResult result = run(c.first);
+        EXPECT_EQ(result.exitCode, 0) << c.first.join(' ').toStdString();
+        EXPECT_FALSE(result.err.contains(tidemakeExecutable())) << result.err.toStdString();
+        EXPECT_TRUE(result.err.contains(c.second)) << result.err.toStdString();
     }
 }
 
