@@ -5,9 +5,9 @@
 class ProjectElement;
 class PropertyClass;
 
-/// The build system's service of resolving a setting and expanding its macros, which the
-/// project model needs but may not include; the build system registers itself with
-/// `ProjectSystem::setSettingExpander`.
+/// The build system's services that the project model needs but may not include: resolving a
+/// setting with its macros expanded and finding the classes of the build catalogue. The build
+/// system registers itself with `ProjectSystem::setSettingExpander`.
 class SettingExpander
 {
 public:
@@ -15,4 +15,12 @@ public:
     /// The setting of `element` in `configuration`, with the element's macros replaced.
     virtual QString settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,
                                        const QString &configuration) = 0;
+    /// The build catalogue's class saved as `saveName`, or null.
+    virtual PropertyClass *findPropertyClass(const QString &saveName) const = 0;
+    /// The form of "build_output_file_name" that executables use. The catalogue holds one class
+    /// per save name, so a build system with two forms of that name answers this itself.
+    virtual PropertyClass *linkerOutputFileNameClass() const
+    {
+        return findPropertyClass(QStringLiteral("build_output_file_name"));
+    }
 };
