@@ -13,14 +13,14 @@ MacroSystem macroSystem;
 namespace {
 // Values may hold references that a further pass expands, so a text can keep changing (two
 // macros that refer to each other) or grow without end. A legitimate text settles in a few
-// passes and stays far below these limits.
+// passes and grows far less than this by expansion.
 const int maxPasses = 100;
-const qsizetype maxLength = qsizetype(1) << 20;
+const qsizetype maxGrowth = qsizetype(1) << 20;
 
 /// The index of the ")" that closes a "(" standing before `from`, or -1 if none does.
 qsizetype closingParenthesis(const QString &text, qsizetype from)
 {
-    int depth = 1;
+    qsizetype depth = 1;
     for (qsizetype i = from; i < text.size(); ++i) {
         if (text.at(i) == QLatin1Char('('))
             ++depth;
@@ -48,8 +48,8 @@ std::vector<qsizetype> closingParentheses(const QString &text)
 
 /// One pass over `text`. Sets `nested` if a reference holds a "$". False if the result grew
 /// beyond `maxLength`, which abandons the pass.
-bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, QString &result,
-                bool &nested)
+bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, qsizetype maxLength,
+                QString &result, bool &nested)
 {
     const QStringView view(text);
     const qsizetype length = text.size();
@@ -123,10 +123,11 @@ QString MacroSystem::replaceMacros2(const MacroMap &macros, QString text) const
 {
     if (!text.contains(QLatin1Char('$')))
         return text;
+    const qsizetype maxLength = text.size() + maxGrowth;
     for (int pass = 1;; ++pass) {
         QString result(QLatin1String(""));
         bool nested = false;
-        if (!expandOnce(macros, text, result, nested))
+        if (!expandOnce(macros, text, maxLength, result, nested))
             return text;
         if (!nested || result.isEmpty() || result == text || pass >= maxPasses)
             return result;

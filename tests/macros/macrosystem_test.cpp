@@ -96,6 +96,10 @@ TEST(MacroSystem, SelfReferenceEndsWithinBounds)
     const QString many = QString("$(H)").repeated(1 << 10);
     EXPECT_EQ(macroSystem.replaceMacros({{"H", huge}}, many), many);
 
+    // The bound is on growth: a large text of its own still expands.
+    const QString large(2 << 20, QLatin1Char('x'));
+    EXPECT_EQ(macroSystem.replaceMacros({{"A", "1"}}, large + "$(A)"), large + "1");
+
     // Many unclosed references don't make the scan quadratic.
     const QString unclosed = QString("$(").repeated(200000);
     EXPECT_EQ(macroSystem.replaceMacros({}, unclosed), QString("(").repeated(200000));
