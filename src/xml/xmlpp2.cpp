@@ -28,6 +28,12 @@ const char *poolString(const QString &text)
     return XMLNode::mkString(bytes.constData(), static_cast<unsigned int>(bytes.size()));
 }
 
+// The alternatives of a condition or case: the parts of `list` between commas.
+QStringList alternativesOf(const char *list)
+{
+    return fromBytes(list).split(QLatin1Char(','), Qt::SkipEmptyParts);
+}
+
 bool hasTag(const XMLElement *element, const char *tagName)
 {
     const char *tag = element->tagName();
@@ -109,6 +115,7 @@ private:
 
     void conditional(size_t frame, XMLElement *element, bool negate);
     void definedTest(size_t frame, XMLElement *element, bool negate);
+    void replaceByChildrenIf(size_t frame, bool test);
     void switchDirective(size_t frame, XMLElement *element);
     void define(size_t frame, XMLElement *element);
     void include(size_t frame, XMLElement *element);
@@ -256,28 +263,27 @@ void XMLPP2::Walk::conditional(size_t frame, XMLElement *element, bool negate)
         descend(frame, Frame::Keep, context);
         return;
     }
-    const QStringList alternatives =
-        fromBytes(attributes.front().second).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    const QStringList alternatives = alternativesOf(attributes.front().second);
     QString value;
-    bool test = lookup(fromBytes(attributes.front().first), context->macros, value) &&
-                alternatives.contains(value);
-    if (negate)
-        test = !test;
-    if (test)
-        descend(frame, Frame::ReplaceByChildren, context);
-    else
-        replaceBy(frames[frame], nullptr, false);
+    const bool test = lookup(fromBytes(attributes.front().first), context->macros, value) &&
+                      alternatives.contains(value);
+    replaceByChildrenIf(frame, test != negate);
 }
 
 void XMLPP2::Walk::definedTest(size_t frame, XMLElement *element, bool negate)
 {
     const Context *context = frames[frame].context;
     const char *name = element->attribute("name");
-    bool test = name && isDefined(fromBytes(name), context->macros);
-    if (negate)
-        test = !test;
+    const bool test = name && isDefined(fromBytes(name), context->macros);
+    replaceByChildrenIf(frame, test != negate);
+}
+
+// A true test leaves the processed children in the element's place; a false one
+// removes the element unprocessed.
+void XMLPP2::Walk::replaceByChildrenIf(size_t frame, bool test)
+{
     if (test)
-        descend(frame, Frame::ReplaceByChildren, context);
+        descend(frame, Frame::ReplaceByChildren, frames[frame].context);
     else
         replaceBy(frames[frame], nullptr, false);
 }
@@ -295,9 +301,7 @@ void XMLPP2::Walk::switchDirective(size_t frame, XMLElement *element)
         if (!branch)
             continue;
         if (hasTag(branch, "case")) {
-            const QStringList alternatives =
-                fromBytes(branch->attribute("value")).split(QLatin1Char(','), Qt::SkipEmptyParts);
-            if (hasValue && alternatives.contains(value))
+            if (hasValue && alternativesOf(branch->attribute("value")).contains(value))
                 chosen = branch;
         } else if (hasTag(branch, "default")) {
             fallback = branch;
