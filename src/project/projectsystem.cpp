@@ -299,6 +299,7 @@ void ProjectSystem::setProperty(ProjectElement *element, const QString &saveName
     if (!child)
         child = createConfiguration(element, configuration, fromTemplate);
     child->setAttribute(saveName, value, fromTemplate);
+    refreshInheritance(element, saveName);
 }
 
 void ProjectSystem::setProperty(ProjectElement *element, const PropertyClass *propertyClass,
@@ -311,8 +312,18 @@ void ProjectSystem::setProperty(ProjectElement *element, const PropertyClass *pr
 void ProjectSystem::removeProperty(ProjectElement *element, const QString &saveName,
                                    const QString &configuration)
 {
-    if (ProjectElement *child = element->getConfigurationElement(configuration))
+    if (ProjectElement *child = element->getConfigurationElement(configuration)) {
         child->removeAttribute(saveName);
+        refreshInheritance(element, saveName);
+    }
+}
+
+void ProjectSystem::refreshInheritance(ProjectElement *element, const QString &saveName)
+{
+    // Resolution reads the parsed lists, so a change of the text must reach them at once.
+    if (element->type() == ProjectElement::Solution &&
+        saveName == inheritedConfigurationsClass->saveName())
+        element->updateInheritenceMap();
 }
 
 void ProjectSystem::removeProperty(ProjectElement *element, const PropertyClass *propertyClass,

@@ -306,6 +306,8 @@ signals:
 
 private:
     PropertyClass *addClass(std::unique_ptr<PropertyClass> propertyClass);
+    /// Parses a solution's inherited lists again if `saveName` is where they are kept.
+    void refreshInheritance(ProjectElement *element, const QString &saveName);
     /// Loads a file's element tree; `solutionDepth` counts the solutions above it.
     ProjectElement *domToElementAt(const QString &directory, XMLElement *xml,
                                    ProjectFileNotFoundErrorHandler *handler, int solutionDepth);

@@ -126,6 +126,39 @@ TEST_F(SolutionFiles, SaveWritesEachFileAsItWasRead)
     EXPECT_TRUE(system.solutionSolutions().isEmpty());
 }
 
+TEST_F(SolutionFiles, ImportsAreMungedInnermostFirstAndCanBeAddedLater)
+{
+    struct Recording : ARMProjectSystem
+    {
+        void munge(E *element) override { munged.append(element->attribute("Name")); }
+        QStringList munged;
+    } recording;
+    projectSystem = &recording;
+    recording.loadSolution(rootPath, nullptr);
+    EXPECT_EQ(recording.munged, (QStringList{"Deep", "Sub", "Demo"}));
+    projectSystem = &system;
+
+    E *root = system.createSolution("Top", scratch.path());
+    system.setProperty(root, system.inheritedConfigurationsClass, "Debug", "Base");
+    EXPECT_EQ(ProjectSystem::getInheritedConfigurations(root, "Debug"), QStringList{"Base"});
+    E *deep = system.importSolution(root, scratch.file("sub/deep/deep.hdp"), nullptr);
+    EXPECT_EQ(deep->attribute("file_name"), "sub/deep/deep.hdp");
+    EXPECT_EQ(system.projectNames(), QStringList{"App(Deep)"});
+    ASSERT_TRUE(system.saveProjectFile(root, scratch.file("top.hdp")));
+    EXPECT_EQ(scratch.read("top.hdp"), R"(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="Top" version="1">
+  <configuration Name="Debug" inherited_configurations="Base"/>
+  <import file_name="sub/deep/deep.hdp"/>
+</solution>
+)");
+    try {
+        system.importSolution(deep, scratch.file("top.hdp"), nullptr);
+        ADD_FAILURE() << "a solution can't import the file that imports it";
+    } catch (const SolutionLoadError &error) {
+        EXPECT_EQ(error.message, " solution already loaded");
+    }
+}
+
 TEST_F(SolutionFiles, SaveFailureThrowsAfterOneRetry)
 {
     struct Retry : ProjectFileSaveErrorHandler
