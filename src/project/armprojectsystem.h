@@ -10,4 +10,13 @@ class ARMProjectSystem : public GCCProjectSystem
 public:
     /// Linked programs get `executableExtension`, by default ".elf".
     explicit ARMProjectSystem(const QString &executableExtension = QStringLiteral(".elf"));
+
+    /// The GCC C list, the ARM assembler list, then the ARM code generation settings.
+    void appendCCompilerProperties(PropertyClassList *list) override;
+    /// The generic assembler list, then the ARM target settings.
+    void appendAssemblerProperties(PropertyClassList *list) override;
+    /// The GCC linker list, then the ARM libraries and stack sizes.
+    void appendLinkerProperties(PropertyClassList *list) override;
+    /// The generic target list, then the ARM debug interface and loader settings.
+    void appendTargetProperties(PropertyClassList *list) override;
 };

@@ -1,0 +1,3 @@
+#include "project/tooldatabase.h"
+
+ToolDatabase toolDatabase;
