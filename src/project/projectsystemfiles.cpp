@@ -16,6 +16,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -50,6 +51,27 @@ const char *poolString(const QString &text)
 bool isImport(const XMLElement *xml)
 {
     return xml->tagName() && qstrcmp(xml->tagName(), "import") == 0;
+}
+
+/// Visits the elements of the chain from `first` and, where `visit` asks, their children, in
+/// document order and without recursion. `visit(element, context)` is given the context of
+/// the element's chain and returns the context for the element's own children, or nothing to
+/// pass over them.
+template <typename Context, typename Visit>
+void walkDown(ProjectElement *first, Context context, Visit visit)
+{
+    std::vector<std::pair<ProjectElement *, Context>> levels;
+    levels.emplace_back(first, std::move(context));
+    while (!levels.empty()) {
+        const auto [element, current] = levels.back();
+        if (!element) {
+            levels.pop_back();
+            continue;
+        }
+        levels.back().first = element->nextSibling();
+        if (std::optional<Context> below = visit(element, current))
+            levels.emplace_back(element->firstChild(), std::move(*below));
+    }
 }
 
 /// The XML element children of `node`, from `node` on along its siblings.
@@ -338,21 +360,16 @@ XMLElement *ProjectSystem::elementToDom(XMLDocument *document, ProjectElement *e
     XMLElement *top = makeXML(element);
     if (!top || element->imported())
         return top;
-    std::vector<std::pair<ProjectElement *, XMLElement *>> levels{{element->firstChild(), top}};
-    while (!levels.empty()) {
-        const auto [child, parentXML] = levels.back();
-        if (!child) {
-            levels.pop_back();
-            continue;
-        }
-        levels.back().first = child->nextSibling();
-        XMLElement *xml = makeXML(child);
-        if (!xml)
-            continue;
-        parentXML->appendChild(xml);
-        if (!child->imported())
-            levels.emplace_back(child->firstChild(), xml);
-    }
+    walkDown(element->firstChild(), top,
+             [&](ProjectElement *child, XMLElement *parentXML) -> std::optional<XMLElement *> {
+                 XMLElement *xml = makeXML(child);
+                 if (!xml)
+                     return std::nullopt;
+                 parentXML->appendChild(xml);
+                 if (child->imported())
+                     return std::nullopt;
+                 return xml;
+             });
     return top;
 }
 
@@ -387,26 +404,23 @@ void ProjectSystem::updateProjectList()
     for (ProjectElement *solution : std::as_const(solutions)) {
         QMap<QString, ProjectElement *> &projects = solution->projects();
         projects.clear();
-        std::vector<std::pair<ProjectElement *, QString>> levels{{solution->firstChild(), {}}};
-        while (!levels.empty()) {
-            const auto [child, prefix] = levels.back();
-            if (!child) {
-                levels.pop_back();
-                continue;
-            }
-            levels.back().first = child->nextSibling();
-            if (child->type() == ProjectElement::Project) {
-                const QString name = child->getName();
-                projects.insert(
-                    prefix.isEmpty() ? name : name + QLatin1Char('(') + prefix + QLatin1Char(')'),
-                    child);
-            } else if (child->type() == ProjectElement::Solution) {
-                const QString name = child->getName();
-                const QString fullName = prefix.isEmpty() ? name : prefix + QLatin1Char(',') + name;
-                m_solutions.insert(fullName, child);
-                levels.emplace_back(child->firstChild(), fullName);
-            }
-        }
+        walkDown(solution->firstChild(), QString(),
+                 [&](ProjectElement *child, const QString &prefix) -> std::optional<QString> {
+                     if (child->type() == ProjectElement::Project) {
+                         const QString name = child->getName();
+                         projects.insert(prefix.isEmpty()
+                                             ? name
+                                             : name + QLatin1Char('(') + prefix + QLatin1Char(')'),
+                                         child);
+                     } else if (child->type() == ProjectElement::Solution) {
+                         const QString name = child->getName();
+                         const QString fullName =
+                             prefix.isEmpty() ? name : prefix + QLatin1Char(',') + name;
+                         m_solutions.insert(fullName, child);
+                         return fullName;
+                     }
+                     return std::nullopt;
+                 });
         solution->updateInheritenceMap();
     }
     m_solutions.insert(m_rootSolution->getName(), m_rootSolution);
