@@ -20,8 +20,24 @@ inline void PrintTo(const QString &text, std::ostream *out)
     *out << '"' << text.toStdString() << '"';
 }
 
+/// A builder that does nothing at all.
+class NullBuilder : public Builder
+{
+public:
+    void beginGroup(ProjectElement *, const QString &, bool) override {}
+    void endGroup(ProjectElement *) override {}
+    void init() override {}
+    void setDirectory(const QString &) override {}
+    void setCommand(const QStringList &) override {}
+    void setEnvironment(const QStringList &) override {}
+    void setOutputFiles(const QStringList &) override {}
+    void setTemporaryFiles(const QStringList &) override {}
+    void doit() override {}
+    void error(const QString &) override {}
+};
+
 /// A builder that writes down the group lines and errors it is given.
-class RecordingBuilder : public Builder
+class RecordingBuilder : public NullBuilder
 {
 public:
     void beginGroup(ProjectElement *, const QString &text, bool) override { lines << text; }
@@ -30,13 +46,6 @@ public:
         lines << (element ? QStringLiteral("end ") + element->attribute(QStringLiteral("Name"))
                           : QStringLiteral("end"));
     }
-    void init() override {}
-    void setDirectory(const QString &) override {}
-    void setCommand(const QStringList &) override {}
-    void setEnvironment(const QStringList &) override {}
-    void setOutputFiles(const QStringList &) override {}
-    void setTemporaryFiles(const QStringList &) override {}
-    void doit() override {}
     void error(const QString &text) override { lines << QStringLiteral("error: ") + text; }
 
     QStringList lines;

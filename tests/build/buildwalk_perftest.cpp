@@ -2,13 +2,8 @@
 // silent builder; also expands an object file name for every file, at two solution sizes, to
 // show that looking a setting up costs the element's depth and not the tree's size.
 
-#include "build/buildsystem.h"
-#include "frontend/builder.h"
-#include "project/armprojectsystem.h"
-#include "project/projectelement.h"
+#include "buildfixture.h"
 #include "solutiongenerator.h"
-#include "support/testsupport.h"
-#include "toolchain/armbuildsystem.h"
 
 #include <QElapsedTimer>
 
@@ -17,23 +12,6 @@
 #include <functional>
 
 namespace {
-
-class SilentBuilder : public Builder
-{
-public:
-    void beginGroup(ProjectElement *, const QString &, bool) override { ++groups; }
-    void endGroup(ProjectElement *) override {}
-    void init() override {}
-    void setDirectory(const QString &) override {}
-    void setCommand(const QStringList &) override {}
-    void setEnvironment(const QStringList &) override {}
-    void setOutputFiles(const QStringList &) override {}
-    void setTemporaryFiles(const QStringList &) override {}
-    void doit() override {}
-    void error(const QString &) override {}
-
-    int groups = 0;
-};
 
 // The best of `rounds` runs of `work`, in milliseconds.
 double bestOf(int rounds, const std::function<void()> &work)
@@ -96,7 +74,7 @@ int main()
 
     const double load = bestOf(rounds, [&] { projectSystem->loadSolution(largePath, nullptr); });
     ProjectElement *root = projectSystem->solutionElement();
-    SilentBuilder builder;
+    NullBuilder builder;
     const double walk = bestOf(rounds, [&] {
         buildSystem->build(root, QStringLiteral("Debug"), &builder, BUILD_QUIET, true, false);
     });
