@@ -356,13 +356,13 @@ void ProjectSystem::rollBackTransaction()
 
 namespace {
 
-/// The next element of a walk below `root` that passes over nested solutions unless
-/// `includeImported`.
+/// The next element of a walk below `root` that passes over imported solutions unless
+/// `includeImported`: they are saved to files of their own.
 ProjectElement *nextForModified(const ProjectElement *element, const ProjectElement *root,
                                 bool includeImported)
 {
     ProjectElement *next = ProjectElement::nextInWalk(element, root);
-    while (next && !includeImported && next->type() == ProjectElement::Solution)
+    while (next && !includeImported && next->type() == ProjectElement::Solution && next->imported())
         next = ProjectElement::nextInWalk(next, root, false);
     return next;
 }
@@ -395,7 +395,7 @@ void ProjectSystem::clearModified(ProjectElement *element, bool includeImported,
 bool ProjectSystem::modifiedOnDisk() const
 {
     for (ProjectElement *solution : m_solutions) {
-        if (solution &&
+        if (hasOwnFile(solution) &&
             QFileInfo(solution->path().osPathQString()).lastModified() != solution->loadDate())
             return true;
     }
@@ -405,9 +405,14 @@ bool ProjectSystem::modifiedOnDisk() const
 void ProjectSystem::updateLoadDateTime()
 {
     for (ProjectElement *solution : std::as_const(m_solutions)) {
-        if (solution)
+        if (hasOwnFile(solution))
             solution->setLoadDate(QFileInfo(solution->path().osPathQString()).lastModified());
     }
+}
+
+bool ProjectSystem::hasOwnFile(const ProjectElement *solution) const
+{
+    return solution && (solution == m_rootSolution || solution->imported());
 }
 
 QString ProjectSystem::defaultFileLocation(ProjectElement *element)

@@ -306,6 +306,9 @@ signals:
 
 private:
     PropertyClass *addClass(std::unique_ptr<PropertyClass> propertyClass);
+    /// Whether `solution` is saved to a file of its own: the root and imported solutions.
+    /// A solution written inline in its parent's file goes with that file.
+    bool hasOwnFile(const ProjectElement *solution) const;
     /// Parses a solution's inherited lists again if `saveName` is where they are kept.
     void refreshInheritance(ProjectElement *element, const QString &saveName);
     /// Loads a file's element tree; `solutionDepth` counts the solutions above it.

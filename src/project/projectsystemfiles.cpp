@@ -294,7 +294,7 @@ void ProjectSystem::closeSolution()
 void ProjectSystem::save(ProjectFileSaveErrorHandler *handler)
 {
     for (ProjectElement *solution : std::as_const(m_solutions)) {
-        if (!solution || !isModified(solution, false))
+        if (!hasOwnFile(solution) || !isModified(solution, false))
             continue;
         bool saved = saveProjectFile(solution);
         if (!saved && handler && handler->saveFailed(solution))

@@ -284,6 +284,19 @@ TEST_F(ProjectTest, HostileNestingLoadsOrFailsWithoutExhaustingTheStack)
     const auto error = loadError(writeSolution("nested.hdp", nested));
     ASSERT_TRUE(error);
     EXPECT_EQ(error->message, " solutions nested too deeply");
+
+    const QString inline_ = writeSolution("inline.hdp", R"(<solution Name="A">
+  <solution Name="In">
+    <project Name="P"/>
+  </solution>
+</solution>
+)");
+    ASSERT_FALSE(loadError(inline_));
+    EXPECT_EQ(system.projectNames(), QStringList{"P(In)"});
+    system.setProperty(system.solutionProjects(nullptr).value("P(In)"), "v", "Debug", "1");
+    system.save(nullptr);
+    EXPECT_TRUE(scratch.read("inline.hdp").contains(R"(<configuration Name="Debug" v="1"/>)"))
+        << "a solution written inline is saved with the file that holds it";
 }
 
 } // namespace
