@@ -1,5 +1,6 @@
 #include "build/buildsystem.h"
 
+#include "build/diskinterface.h"
 #include "frontend/builder.h"
 #include "frontend/builderhost.h"
 #include "macros/macrosystem.h"
@@ -48,7 +49,8 @@ private:
     BuildSystem *m_buildSystem;
 };
 
-BuildSystem::BuildSystem() : m_host(std::make_unique<BuildSystemHost>(this))
+BuildSystem::BuildSystem()
+    : m_host(std::make_unique<BuildSystemHost>(this)), m_disk(std::make_unique<RealDiskInterface>())
 {
     const char *const buildOptions = "Build Options";
     const char *const compilerOptions = "Compiler Options";
@@ -166,6 +168,11 @@ PropertyClass *BuildSystem::makeEnumerationClass(const char *saveName, const QSt
         defaultValue ? QString::fromLatin1(defaultValue) : QString()));
     addPropertyClass(m_ownedClasses.back().get());
     return m_ownedClasses.back().get();
+}
+
+void BuildSystem::setDisk(std::unique_ptr<DiskInterface> disk)
+{
+    m_disk = std::move(disk);
 }
 
 void BuildSystem::addPropertyClass(PropertyClass *propertyClass)

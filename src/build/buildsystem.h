@@ -15,6 +15,7 @@
 
 class Builder;
 class BuildSystemHost;
+class DiskInterface;
 class ProjectElement;
 
 /// Bits of the build type, passed unchanged down every build call.
@@ -119,6 +120,11 @@ public:
     /// Carries out `command` if it is one of the program's own; false if it is to be run.
     virtual bool builtinCommand(const QString &directory, QStringList &command, QString &errorText);
 
+    /// The file system as the engine sees it.
+    DiskInterface &disk() { return *m_disk; }
+    /// Replaces the file system the engine sees; for tests and measurements.
+    void setDisk(std::unique_ptr<DiskInterface> disk);
+
     // The property catalogue.
 
     /// Enters `propertyClass` under its save name, replacing a class of the same name.
@@ -187,6 +193,7 @@ private:
     QSet<QList<ProjectElement *>> m_reportedCycles;
     QSet<QString> m_tmpNames;
     std::unique_ptr<BuildSystemHost> m_host;
+    std::unique_ptr<DiskInterface> m_disk;
 };
 
 /// The process-wide build system; made by the build request, never destroyed.

@@ -282,3 +282,21 @@ bool StandardBuildSystem::platformBuild(ProjectElement *, const QString &, Build
 {
     return false;
 }
+
+void StandardBuildSystem::createCommandFor(ProjectElement *, const QString &, BuildAction,
+                                           const QString &, const QString &, const QStringList &,
+                                           Builder *, bool, bool)
+{
+}
+
+bool StandardBuildSystem::commandUpToDate(ProjectElement *, const QString &, QDateTime, BuildAction,
+                                          Builder *, bool)
+{
+    return true;
+}
+
+QStringList StandardBuildSystem::getObjectFileDependencies(const QString &, const QString &,
+                                                           const QString &)
+{
+    return QStringList();
+}

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "build/buildaction.h"
 #include "build/buildsystem.h"
+
+#include <QDateTime>
 
 #include <QMap>
 #include <QString>
@@ -26,6 +29,23 @@ public:
     bool mustCompile(ProjectElement *element, const QString &configuration) override;
     bool platformBuild(ProjectElement *element, const QString &configuration, Builder *builder,
                        int type) override;
+
+    /// Has `builder` run the tool commands of `action` on `element`: `output` as the settings
+    /// name it (the commands run in the project directory), `absoluteOutput` the same file
+    /// made absolute, `inputs` the sources, or the objects and libraries of a link or archive.
+    virtual void createCommandFor(ProjectElement *element, const QString &configuration,
+                                  BuildAction action, const QString &output,
+                                  const QString &absoluteOutput, const QStringList &inputs,
+                                  Builder *builder, bool quiet, bool clean);
+    /// Whether no property that goes into the command of `action` changed after
+    /// `targetModified`; tool-chain layers extend the list.
+    virtual bool commandUpToDate(ProjectElement *element, const QString &configuration,
+                                 QDateTime targetModified, BuildAction action, Builder *builder,
+                                 bool quiet);
+    /// The files the object file `objectPath` was last compiled from, as the compiler listed
+    /// them; empty when that is unknown.
+    virtual QStringList getObjectFileDependencies(const QString &projectDirectory,
+                                                  const QString &input, const QString &objectPath);
 
     /// The directory of the project being built; relative names are resolved against it.
     QString buildDirectory;

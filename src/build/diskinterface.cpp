@@ -1,0 +1,67 @@
+#include "build/diskinterface.h"
+
+#include "foundation/qtx.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+DiskInterface::~DiskInterface() = default;
+
+RealDiskInterface::Entry &RealDiskInterface::entry(const QString &path)
+{
+    auto found = m_entries.find(path);
+    if (found != m_entries.end())
+        return *found;
+    Entry fresh;
+    struct stat status;
+    ++m_statCount;
+    const QByteArray name = QFile::encodeName(path);
+    // Directories and other non-files count as missing: nothing a build makes or reads is one.
+    if (::stat(name.constData(), &status) == 0 && !S_ISDIR(status.st_mode)) {
+        const qint64 milliseconds =
+            qint64(status.st_mtim.tv_sec) * 1000 + status.st_mtim.tv_nsec / 1000000;
+        fresh.modified = QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
+    }
+    return *m_entries.insert(path, fresh);
+}
+
+QDateTime RealDiskInterface::modified(const QString &path)
+{
+    return entry(path).modified;
+}
+
+bool RealDiskInterface::isReadable(const QString &path)
+{
+    Entry &known = entry(path);
+    if (known.readable < 0)
+        known.readable =
+            known.modified.isValid() && ::access(QFile::encodeName(path).constData(), R_OK) == 0;
+    return known.readable == 1;
+}
+
+bool RealDiskInterface::readFile(const QString &path, qint64 maximumSize, QByteArray &contents)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > maximumSize)
+        return false;
+    contents = file.read(maximumSize);
+    return true;
+}
+
+bool RealDiskInterface::removeFile(const QString &path)
+{
+    invalidate(path);
+    return QTx::removeFile(path);
+}
+
+void RealDiskInterface::invalidate(const QString &path)
+{
+    m_entries.remove(path);
+}
+
+void RealDiskInterface::invalidateAll()
+{
+    m_entries.clear();
+}

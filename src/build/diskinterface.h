@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QHash>
+#include <QString>
+
+/// What the build engine asks of the file system: times, existence, reading and removing.
+/// The engine goes through this seam only, so its decisions can be tested against a disk held
+/// in memory.
+class DiskInterface
+{
+public:
+    virtual ~DiskInterface();
+    /// The modification time of the file `path`; an invalid time when there is none.
+    virtual QDateTime modified(const QString &path) = 0;
+    /// Whether `path` exists and can be read.
+    virtual bool isReadable(const QString &path) = 0;
+    /// Reads the file `path` whole; false when it is missing, unreadable or larger than
+    /// `maximumSize` bytes.
+    virtual bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) = 0;
+    /// Removes the file `path`.
+    virtual bool removeFile(const QString &path) = 0;
+    /// Forgets what is known of `path`: a command is about to make or change it.
+    virtual void invalidate(const QString &path) = 0;
+    /// Forgets everything known: a command with unknown effects has run, or a build starts.
+    virtual void invalidateAll() = 0;
+};
+
+/// The real file system, each file looked at once until it is invalidated.
+class RealDiskInterface : public DiskInterface
+{
+public:
+    QDateTime modified(const QString &path) override;
+    bool isReadable(const QString &path) override;
+    bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) override;
+    bool removeFile(const QString &path) override;
+    void invalidate(const QString &path) override;
+    void invalidateAll() override;
+
+    /// The number of times the file system was asked about a file, for measurements.
+    qint64 statCount() const { return m_statCount; }
+
+private:
+    struct Entry
+    {
+        QDateTime modified; ///< invalid when the file does not exist
+        int readable = -1;  ///< -1 not asked yet, else 0 or 1
+    };
+    Entry &entry(const QString &path);
+
+    QHash<QString, Entry> m_entries;
+    qint64 m_statCount = 0;
+};
