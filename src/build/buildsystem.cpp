@@ -33,15 +33,15 @@ class BuildSystemHost : public BuilderHost
 public:
     explicit BuildSystemHost(BuildSystem *buildSystem) : m_buildSystem(buildSystem) {}
 
-    bool builtinCommand(const QString &directory, const QStringList &command,
-                        QString &message) override
+    bool builtinCommand(const QString &directory, QStringList &command, QString &message) override
     {
-        QStringList words = command;
-        return m_buildSystem->builtinCommand(directory, words, message);
+        return m_buildSystem->builtinCommand(directory, command, message);
     }
     void setErrorOccurred() override { m_buildSystem->errorOccurred = true; }
+    // A file a command declares is about to change, so what the engine knew of it is gone.
     void ensureDirExists(const QString &fileName) override
     {
+        m_buildSystem->disk().invalidate(fileName);
         m_buildSystem->ensureDirExists(fileName);
     }
 
@@ -200,6 +200,19 @@ int BuildSystem::build(ProjectElement *element, const QString &configuration, Bu
     stopRequested = false;
     errorOccurred = false;
     built.clear();
+    // Files may have changed since the last build, and settings only between builds.
+    m_disk->invalidateAll();
+    struct BuildScope
+    {
+        BuildSystem *system;
+        explicit BuildScope(BuildSystem *system) : system(system) { system->m_building = true; }
+        ~BuildScope()
+        {
+            system->m_building = false;
+            system->m_macroSetValid = false;
+            system->m_macroSet.clear();
+        }
+    } scope(this);
     m_inProgress.clear();
     m_reportedCycles.clear();
 
@@ -435,10 +448,23 @@ QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QStrin
     return map;
 }
 
+const QMap<QString, QString> &BuildSystem::macroSet(ProjectElement *element,
+                                                    const QString &configuration)
+{
+    if (m_building && m_macroSetValid && m_macroSetElement == element &&
+        m_macroSetConfiguration == configuration)
+        return m_macroSet;
+    m_macroSet = macros(element, configuration);
+    m_macroSetElement = element;
+    m_macroSetConfiguration = configuration;
+    m_macroSetValid = m_building;
+    return m_macroSet;
+}
+
 QString BuildSystem::replaceMacros(ProjectElement *element, const QString &text,
                                    const QString &configuration)
 {
-    return macroSystem.replaceMacros(macros(element, configuration), text);
+    return macroSystem.replaceMacros(macroSet(element, configuration), text);
 }
 
 QString BuildSystem::settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,

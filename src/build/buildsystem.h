@@ -3,6 +3,7 @@
 #include "project/settingexpander.h"
 #include "properties/propertyclass.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QList>
 #include <QMap>
@@ -108,6 +109,16 @@ public:
 
     // Services.
 
+    /// Resolves `file` against `directory` into `path`; true if it exists, with its time in
+    /// `modified`. A missing file is told to the builder unless `quiet`.
+    bool exists(QString directory, const QString &file, QString &path, QDateTime &modified,
+                Builder *builder, bool quiet);
+    /// Whether every one of `dependencies` (resolved against `directory`) exists and is not
+    /// newer than `targetModified`; the first that fails is told unless `quiet`.
+    bool upToDate(QString directory, const QString &target, const QDateTime &targetModified,
+                  const QStringList &dependencies, Builder *builder, bool quiet);
+    /// `path` if it is absolute, else `directory`, "/" and `path`.
+    static QString getAbsPath(const QString &directory, const QString &path);
     /// Makes `dir` and its missing parents; the result is that of the last creation.
     bool recursiveMkdir(const QDir &dir);
     /// Makes the directory that `filePath` lies in.
@@ -171,6 +182,9 @@ protected:
     QList<builtStruct> built;
 
 private:
+    /// The macro set of `element`; within a build the last one asked for is remembered, as
+    /// settings don't change while a build runs and one element is asked about in a row.
+    const QMap<QString, QString> &macroSet(ProjectElement *element, const QString &configuration);
     /// The part of `projectBuild` for one configuration that isn't built yet.
     bool projectBuildConfiguration(ProjectElement *project, const QString &configuration,
                                    Builder *builder, int type, bool batch,
@@ -194,6 +208,11 @@ private:
     QSet<QString> m_tmpNames;
     std::unique_ptr<BuildSystemHost> m_host;
     std::unique_ptr<DiskInterface> m_disk;
+    bool m_building = false;
+    bool m_macroSetValid = false;
+    ProjectElement *m_macroSetElement = nullptr;
+    QString m_macroSetConfiguration;
+    QMap<QString, QString> m_macroSet;
 };
 
 /// The process-wide build system; made by the build request, never destroyed.

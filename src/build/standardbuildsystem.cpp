@@ -247,52 +247,10 @@ void StandardBuildSystem::makeExternalTargetAndDebugClasses()
         "The command arguments passed to the executable.", "$(ProjectName)$(EXE)");
 }
 
-// What each element means to a build comes with the platform build; until then nothing is
-// built, found or made.
-
-QString StandardBuildSystem::findIncludeFile(bool, const QString &, ProjectElement *,
-                                             const QString &)
-{
-    return QString();
-}
-
-QString StandardBuildSystem::output(ProjectElement *, const QString &, bool)
-{
-    return QString();
-}
-
-void StandardBuildSystem::getDependencies(ProjectElement *, const QString &, QStringList &) {}
-
-bool StandardBuildSystem::canLoad(ProjectElement *, const QString &)
-{
-    return false;
-}
-
-bool StandardBuildSystem::canCompile(ProjectElement *, const QString &)
-{
-    return false;
-}
-
-bool StandardBuildSystem::mustCompile(ProjectElement *, const QString &)
-{
-    return false;
-}
-
-bool StandardBuildSystem::platformBuild(ProjectElement *, const QString &, Builder *, int)
-{
-    return false;
-}
-
 void StandardBuildSystem::createCommandFor(ProjectElement *, const QString &, BuildAction,
                                            const QString &, const QString &, const QStringList &,
                                            Builder *, bool, bool)
 {
-}
-
-bool StandardBuildSystem::commandUpToDate(ProjectElement *, const QString &, QDateTime, BuildAction,
-                                          Builder *, bool)
-{
-    return true;
 }
 
 QStringList StandardBuildSystem::getObjectFileDependencies(const QString &, const QString &,

@@ -21,7 +21,15 @@ public:
 
     QString findIncludeFile(bool quoted, const QString &file, ProjectElement *element,
                             const QString &configuration) override;
+    /// The first of `directories` under which `file` exists and is readable, tried against the
+    /// project directory, as given, and against `fileDirectory`; a null string if none.
+    QString findIncludeFile(const QString &projectDirectory, const QString &fileDirectory,
+                            const QString &file, const QStringList &directories);
     QString output(ProjectElement *element, const QString &configuration, bool absolute) override;
+    /// The file that `action` makes of `element`, macros replaced; made absolute against the
+    /// project directory if asked. A null string for actions that make nothing.
+    QString output(BuildAction action, ProjectElement *element, const QString &configuration,
+                   bool absolute);
     void getDependencies(ProjectElement *element, const QString &configuration,
                          QStringList &dependencies) override;
     bool canLoad(ProjectElement *element, const QString &configuration) override;
@@ -29,6 +37,39 @@ public:
     bool mustCompile(ProjectElement *element, const QString &configuration) override;
     bool platformBuild(ProjectElement *element, const QString &configuration, Builder *builder,
                        int type) override;
+    /// The walk of `platformBuild`: children before their parent, each by the flow of its
+    /// action. True if work was done at `element` or beneath it.
+    bool platformBuild1(ProjectElement *element, const QString &configuration, Builder *builder,
+                        int type);
+
+    // What elements mean to a build.
+
+    /// What a build does to `element` in `configuration`.
+    BuildAction buildAction(ProjectElement *element, const QString &configuration);
+    /// Appends the outputs of `first`, its later siblings and all their descendants, in tree
+    /// order, parents before children.
+    void findOutputs(ProjectElement *first, const QString &configuration, QStringList &list,
+                     bool absolute);
+    /// Appends the stored relative paths of the files from `first` on that are not excluded.
+    void findRelativeInputs(ProjectElement *first, const QString &configuration, QStringList &list);
+    /// The first file at or below `element`, depth first, of `fileType` and not excluded.
+    ProjectElement *findFileOfType(ProjectElement *element, const QString &configuration,
+                                   const QString &fileType);
+    /// Whether a link of `project` uses a memory map file, and which, in `path`.
+    bool useMemoryMapFileForLink(ProjectElement *project, const QString &configuration,
+                                 QString &path);
+    /// Whether a link of `project` uses a section placement file, and which, in `path`.
+    bool useSectionPlacementFileForLink(ProjectElement *project, const QString &configuration,
+                                        QString &path);
+    /// Whether `project` holds a linker script of its own, and which, in `path`.
+    bool useLinkerScriptFileForLink(ProjectElement *project, const QString &configuration,
+                                    QString &path);
+    /// Removes `path`, telling the builder of it unless `quiet`; false if it could not.
+    bool cleanFile(const QString &path, bool quiet, Builder *builder);
+    /// A command line as a list of words: double quotes group words and are dropped.
+    static QStringList splitCommand(const QString &command);
+
+    // Up-to-date decisions.
 
     /// Has `builder` run the tool commands of `action` on `element`: `output` as the settings
     /// name it (the commands run in the project directory), `absoluteOutput` the same file
@@ -46,6 +87,32 @@ public:
     /// them; empty when that is unknown.
     virtual QStringList getObjectFileDependencies(const QString &projectDirectory,
                                                   const QString &input, const QString &objectPath);
+    /// Whether the additional output format's file beside the link output `output` exists, or
+    /// none is asked for.
+    bool additionalOutputFileUpToDate(ProjectElement *element, const QString &configuration,
+                                      const QString &output, const QStringList &dependencies,
+                                      Builder *builder, bool quiet);
+    /// Whether the map file beside the link output `output` exists, or none is asked for.
+    bool mapOutputFileUpToDate(ProjectElement *element, const QString &configuration,
+                               const QString &output, const QStringList &dependencies,
+                               Builder *builder, bool quiet);
+
+    // Built-in commands.
+
+    /// Carries out "cp", "chmod" and "rm" here (true; a non-empty `errorText` is a failure);
+    /// points "xmlcp" and "mkhdr" at the installation's programs (false: run `command`).
+    bool builtinCommand(const QString &directory, QStringList &command,
+                        QString &errorText) override;
+    /// A shell command doing what the built-in `command` does; null for the installation's
+    /// programs. False for a command that is not built in.
+    bool getExportableBuiltinCommand(const QString &directory, const QStringList &command,
+                                     QString &text);
+    /// Copies `from` to `to` (relative to `directory`), replacing a read-only `to`.
+    bool cp(const QString &directory, const QString &from, const QString &to, QString &errorText);
+    /// Makes `file` writable, or read-only unless `writable`.
+    bool chmod(const QString &directory, bool writable, const QString &file, QString &errorText);
+    /// Removes `file`.
+    bool rm(const QString &directory, const QString &file, QString &errorText);
 
     /// The directory of the project being built; relative names are resolved against it.
     QString buildDirectory;
@@ -105,6 +172,34 @@ public:
     PropertyClass *debugCommandArgumentsProperty;
 
 private:
+    /// The flow of `action` on one element whose children are done; `force` says they did
+    /// work or the build type forces it.
+    bool buildElement(ProjectElement *element, const QString &configuration, Builder *builder,
+                      int type, BuildAction action, bool force);
+    bool compileStep(ProjectElement *file, const QString &configuration, Builder *builder, int type,
+                     BuildAction action, bool force);
+    bool linkStep(ProjectElement *project, const QString &configuration, Builder *builder, int type,
+                  bool force);
+    bool archiveStep(ProjectElement *project, const QString &configuration, Builder *builder,
+                     int type, bool force);
+    bool externalStep(ProjectElement *project, const QString &configuration, Builder *builder,
+                      int type, BuildAction action, bool force);
+    /// Runs the link's post-build command, if it has one.
+    void postBuildStep(ProjectElement *project, const QString &configuration, Builder *builder);
+    /// Runs the whole `command` text as one command in a group headed by `heading`.
+    void runGroupCommand(ProjectElement *project, const QString &heading,
+                         const QStringList &command, Builder *builder,
+                         const QStringList *outputFiles = nullptr);
+    /// Whether the side file of `output` with `extension` exists; says so unless `quiet`.
+    bool sideFileExists(const QString &output, const QString &extension, Builder *builder,
+                        bool quiet);
+    /// The properties whose change makes the command of `action` out of date.
+    QList<const PropertyClass *> commandProperties(BuildAction action) const;
+    /// `findFileOfType` for the link, else the expanded `setting` found as given or below the
+    /// project directory.
+    bool useFileForLink(ProjectElement *project, const QString &configuration,
+                        const QString &fileType, const PropertyClass *setting, QString &path);
+
     void makeBuildAndCompilerClasses();
     void makeLinkerClasses();
     void makePreprocessorAndSectionClasses();

@@ -10,8 +10,9 @@ class BuilderHost
 public:
     virtual ~BuilderHost();
     /// Carries out `command` if it is a built-in one and returns true; `message` is then
-    /// empty on success, otherwise the text of the failure.
-    virtual bool builtinCommand(const QString &directory, const QStringList &command,
+    /// empty on success, otherwise the text of the failure. False: `command`, which may have
+    /// been rewritten, is to be run.
+    virtual bool builtinCommand(const QString &directory, QStringList &command,
                                 QString &message) = 0;
     /// Records that a command failed, which stops the build.
     virtual void setErrorOccurred() = 0;

@@ -1,4 +1,5 @@
-// The build request as a user meets it: the built tidemake run on solution files.
+// The build request as a user meets it: the built tidemake run on solution files. The
+// projects are of a type that makes nothing of its own, so no tool chain is needed.
 
 #include "buildfixture.h"
 
@@ -9,13 +10,13 @@ class BuildRequest : public ::testing::Test
 protected:
     BuildRequest()
     {
-        scratch.write("sub.hdp",
-                      "<!DOCTYPE Tarnbench_Project_File>\n"
-                      "<solution Name=\"Sub\" version=\"1\">\n"
-                      "  <project Name=\"App\">\n"
-                      "    <configuration Name=\"Common\" project_dependencies=\"Lib\"/>\n"
-                      "  </project>\n"
-                      "</solution>\n");
+        scratch.write("sub.hdp", "<!DOCTYPE Tarnbench_Project_File>\n"
+                                 "<solution Name=\"Sub\" version=\"1\">\n"
+                                 "  <project Name=\"App\">\n"
+                                 "    <configuration Name=\"Common\" project_dependencies=\"Lib\" "
+                                 "project_type=\"Object file\"/>\n"
+                                 "  </project>\n"
+                                 "</solution>\n");
         scratch.write(
             "app.hdp",
             "<!DOCTYPE Tarnbench_Project_File>\n"
@@ -25,10 +26,13 @@ protected:
             "  <configuration Name=\"Release\"/>\n"
             "  <configuration Name=\"Secret\" hidden=\"Yes\"/>\n"
             "  <project Name=\"App\">\n"
-            "    <configuration Name=\"Common\" project_dependencies=\"Lib\"/>\n"
+            "    <configuration Name=\"Common\" project_dependencies=\"Lib\" "
+            "project_type=\"Object file\"/>\n"
             "    <configuration Name=\"OnlyHere\"/>\n"
             "  </project>\n"
-            "  <project Name=\"Lib\"/>\n"
+            "  <project Name=\"Lib\">\n"
+            "    <configuration Name=\"Common\" project_type=\"Object file\"/>\n"
+            "  </project>\n"
             "  <import file_name=\"sub.hdp\"/>\n"
             "</solution>\n");
     }
@@ -112,10 +116,12 @@ TEST_F(BuildRequest, TellsADependencyCycleOnce)
                                "<solution Name=\"C\" version=\"1\">\n"
                                "  <configuration Name=\"Debug\"/>\n"
                                "  <project Name=\"A\">\n"
-                               "    <configuration Name=\"Common\" project_dependencies=\"B\"/>\n"
+                               "    <configuration Name=\"Common\" project_dependencies=\"B\" "
+                               "project_type=\"Object file\"/>\n"
                                "  </project>\n"
                                "  <project Name=\"B\">\n"
-                               "    <configuration Name=\"Common\" project_dependencies=\"A\"/>\n"
+                               "    <configuration Name=\"Common\" project_dependencies=\"A\" "
+                               "project_type=\"Object file\"/>\n"
                                "  </project>\n"
                                "</solution>\n");
     const RunResult result = run({"-config", "Debug", "cycle.hdp"});

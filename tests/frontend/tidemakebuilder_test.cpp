@@ -32,16 +32,18 @@ public:
     FILE *file;
 };
 
-// A build system stand-in with one built-in command, "builtin", that fails when given "bad".
+// A build system stand-in with one built-in command, "builtin", that fails when given "bad",
+// and one alias, "alias", that stands for "touch".
 class FakeHost : public BuilderHost
 {
 public:
     FakeHost() { setBuilderHost(this); }
     ~FakeHost() override { setBuilderHost(nullptr); }
 
-    bool builtinCommand(const QString &directory, const QStringList &command,
-                        QString &message) override
+    bool builtinCommand(const QString &directory, QStringList &command, QString &message) override
     {
+        if (command.value(0) == "alias")
+            command[0] = "touch";
         if (command.value(0) != "builtin")
             return false;
         builtins << directory + ":" + command.join(' ');
@@ -138,6 +140,14 @@ TEST(TidemakeBuilder, OffersCommandsToTheHostFirst)
     EXPECT_EQ(out.text(), "builtin ok\nbuiltin bad\nbuiltin failed\n");
     EXPECT_EQ(host.errors, 1);
     EXPECT_TRUE(builder.failed());
+
+    // A rewritten command is the one that runs.
+    ScratchDir dir;
+    builder.setDirectory(dir.path());
+    builder.setCommand({"alias", "made"});
+    builder.doit();
+    EXPECT_TRUE(QFile::exists(dir.file("made")));
+    EXPECT_EQ(host.errors, 1);
 }
 
 TEST(Builder, CommandLineQuotesWordsWithSpaces)

@@ -1,0 +1,293 @@
+#include "build/standardbuildsystem.h"
+
+#include "build/diskinterface.h"
+#include "frontend/builder.h"
+#include "project/projectelement.h"
+#include "project/projectsystem.h"
+#include "project/propertyvaluegroups.h"
+
+#include <vector>
+
+namespace {
+
+/// The bits of a build type as the flows read them.
+struct BuildFlags
+{
+    explicit BuildFlags(int type)
+        : clean(type & BUILD_CLEAN), cleanOnly(type & BUILD_CLEAN_ONLY), quiet(type & BUILD_QUIET)
+    {
+    }
+    bool clean;
+    bool cleanOnly;
+    bool quiet;
+};
+
+QString nameOf(const ProjectElement *element)
+{
+    return element->attribute(QStringLiteral("Name"));
+}
+
+bool isCompile(BuildAction action)
+{
+    return action >= ActionCompileC && action <= ActionAssemble;
+}
+
+QString upToDateLine(const QString &output)
+{
+    return QLatin1Char('\'') + output + QStringLiteral("' is up to date");
+}
+
+} // namespace
+
+bool StandardBuildSystem::platformBuild(ProjectElement *element, const QString &configuration,
+                                        Builder *builder, int type)
+{
+    buildDirectory = ProjectSystem::projectDirectoryPath(ProjectSystem::projectContaining(element));
+    const QString groupFile =
+        settingForExpanded(element, propertyGroupsFilePathProperty, configuration);
+    if (!groupFile.isEmpty())
+        propertyValueGroups.setGroupFile(groupFile);
+    return platformBuild1(element, configuration, builder, type);
+}
+
+bool StandardBuildSystem::platformBuild1(ProjectElement *element, const QString &configuration,
+                                         Builder *builder, int type)
+{
+    if (!element)
+        return false;
+    // Children before their parent, walked with a stack of our own rather than by recursion,
+    // so that no nesting of folders is too deep. A child's true result forces its parent.
+    struct Frame
+    {
+        ProjectElement *element;
+        BuildAction action;
+        ProjectElement *nextChild;
+        bool force;
+    };
+    std::vector<Frame> stack;
+    auto stopped = [this] { return errorOccurred || stopRequested; };
+    auto enter = [&](ProjectElement *entered) {
+        if (builder)
+            builder->idle();
+        const BuildAction action = buildAction(entered, configuration);
+        const bool walkChildren =
+            action != ActionExternal && !(type & BUILD_NODE_ONLY) && !stopped();
+        stack.push_back({entered, action, walkChildren ? entered->firstChild() : nullptr,
+                         (type & BUILD_FORCE) != 0});
+    };
+
+    enter(element);
+    for (;;) {
+        Frame &top = stack.back();
+        if (top.nextChild && !stopped()) {
+            ProjectElement *child = top.nextChild;
+            top.nextChild = child->nextSibling();
+            enter(child);
+            continue;
+        }
+        const Frame done = top;
+        stack.pop_back();
+        const bool worked = !stopped() && buildElement(done.element, configuration, builder, type,
+                                                       done.action, done.force);
+        if (stack.empty())
+            return worked;
+        if (worked)
+            stack.back().force = true;
+    }
+}
+
+bool StandardBuildSystem::buildElement(ProjectElement *element, const QString &configuration,
+                                       Builder *builder, int type, BuildAction action, bool force)
+{
+    if (isCompile(action))
+        return compileStep(element, configuration, builder, type, action, force);
+    switch (int(action)) {
+    case ActionLink:
+        return linkStep(element, configuration, builder, type, force);
+    case ActionArchive:
+        return archiveStep(element, configuration, builder, type, force);
+    case ActionExternal:
+        return externalStep(element, configuration, builder, type, action, force);
+    case 9:
+    case ActionStage:
+    case ActionCombine:
+        return false;
+    default:
+        // Folders and the like pass the news of rebuilt children on.
+        return force;
+    }
+}
+
+bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &configuration,
+                                      Builder *builder, int type, BuildAction action, bool force)
+{
+    const BuildFlags flags(type);
+    const QString objectFile = output(action, file, configuration, false);
+    const QString input = file->relativePath();
+    QString absolute;
+    QDateTime modified;
+    const bool present =
+        exists(buildDirectory, objectFile, absolute, modified, builder, flags.quiet);
+    if (present && !force) {
+        QStringList dependencies = dependencyCache.value(absolute);
+        if (dependencies.isEmpty())
+            dependencies = getObjectFileDependencies(buildDirectory, input, absolute);
+        if (dependencies.isEmpty())
+            dependencies.append(file->path().canonicalPathQString());
+        if (upToDate(buildDirectory, objectFile, modified, dependencies, builder, flags.quiet) &&
+            commandUpToDate(file, configuration, modified, action, builder, flags.quiet)) {
+            dependencyCache.insert(absolute, dependencies);
+            if (!flags.quiet && builder)
+                builder->success(upToDateLine(objectFile));
+            return false;
+        }
+    }
+    dependencyCache.remove(absolute);
+    if (flags.clean)
+        cleanFile(absolute, flags.quiet, builder);
+    if (!flags.cleanOnly && builder) {
+        createCommandFor(file, configuration, action, objectFile, absolute, {input}, builder,
+                         flags.quiet, flags.clean);
+        disk().invalidateAll();
+    }
+    return true;
+}
+
+bool StandardBuildSystem::linkStep(ProjectElement *project, const QString &configuration,
+                                   Builder *builder, int type, bool force)
+{
+    const BuildFlags flags(type);
+    const QString executable = output(ActionLink, project, configuration, false);
+    QStringList inputs;
+    findOutputs(project->firstChild(), configuration, inputs, false);
+    const QList<ProjectElement *> dependencies =
+        projectSystem->directlyDependsOn(project, configuration);
+    for (ProjectElement *dependency : dependencies) {
+        if (projectSystem->settingFor(dependency, buildExcludeFromBuildProperty, configuration) !=
+            QLatin1String("No"))
+            continue;
+        const QString dependencyType = ProjectSystem::getProjectType(dependency);
+        if (dependencyType == QLatin1String("Library"))
+            inputs.append(output(ActionArchive, dependency, configuration, true));
+        else if (dependencyType == QLatin1String("Object file"))
+            findOutputs(dependency->firstChild(), configuration, inputs, true);
+        bool rebuilt = false;
+        if (justBuilt(dependency, configuration, rebuilt) && rebuilt)
+            force = true;
+    }
+    inputs += settingForExpanded(project, linkerAdditionalFilesProperty, configuration)
+                  .split(QLatin1Char(';'), Qt::SkipEmptyParts);
+
+    QString absolute;
+    QDateTime modified;
+    const bool present =
+        exists(buildDirectory, executable, absolute, modified, builder, flags.quiet);
+    if (present && !force) {
+        QStringList dependencies = inputs;
+        QString script, memoryMap, sectionPlacement;
+        if (useLinkerScriptFileForLink(project, configuration, script)) {
+            dependencies.append(script);
+        } else {
+            if (useMemoryMapFileForLink(project, configuration, memoryMap))
+                dependencies.append(memoryMap);
+            if (useSectionPlacementFileForLink(project, configuration, sectionPlacement))
+                dependencies.append(sectionPlacement);
+        }
+        if (upToDate(buildDirectory, executable, modified, dependencies, builder, flags.quiet) &&
+            commandUpToDate(project, configuration, modified, ActionLink, builder, flags.quiet) &&
+            additionalOutputFileUpToDate(project, configuration, absolute, dependencies, builder,
+                                         flags.quiet) &&
+            mapOutputFileUpToDate(project, configuration, absolute, dependencies, builder,
+                                  flags.quiet)) {
+            if (!flags.quiet && builder)
+                builder->success(upToDateLine(executable));
+            return false;
+        }
+    }
+    if (flags.clean)
+        cleanFile(absolute, flags.quiet, builder);
+    if (flags.cleanOnly || !builder)
+        return true;
+    // The linker control files are not inputs: the tool layer finds them itself.
+    createCommandFor(project, configuration, ActionLink, executable, absolute, inputs, builder,
+                     flags.quiet, flags.clean);
+    disk().invalidateAll();
+    if (!errorOccurred && !stopRequested)
+        postBuildStep(project, configuration, builder);
+    return true;
+}
+
+void StandardBuildSystem::postBuildStep(ProjectElement *project, const QString &configuration,
+                                        Builder *builder)
+{
+    const QStringList command =
+        splitCommand(settingForExpanded(project, linkerPostBuildCommandProperty, configuration));
+    if (!command.isEmpty())
+        runGroupCommand(project, QStringLiteral("Post build command "), command, builder);
+}
+
+bool StandardBuildSystem::archiveStep(ProjectElement *project, const QString &configuration,
+                                      Builder *builder, int type, bool force)
+{
+    const BuildFlags flags(type);
+    const QString library = output(ActionArchive, project, configuration, false);
+    QStringList inputs;
+    findOutputs(project->firstChild(), configuration, inputs, false);
+    QString absolute;
+    QDateTime modified;
+    const bool present = exists(buildDirectory, library, absolute, modified, builder, flags.quiet);
+    if (present && !force &&
+        upToDate(buildDirectory, library, modified, inputs, builder, flags.quiet) &&
+        commandUpToDate(project, configuration, modified, ActionArchive, builder, flags.quiet)) {
+        if (!flags.quiet && builder)
+            builder->success(upToDateLine(library));
+        return false;
+    }
+    if (flags.clean)
+        cleanFile(absolute, flags.quiet, builder);
+    if (!flags.cleanOnly && builder) {
+        createCommandFor(project, configuration, ActionArchive, library, absolute, inputs, builder,
+                         flags.quiet, flags.clean);
+        disk().invalidateAll();
+    }
+    return true;
+}
+
+bool StandardBuildSystem::externalStep(ProjectElement *element, const QString &configuration,
+                                       Builder *builder, int type, BuildAction action, bool force)
+{
+    // A ready-made file needs nothing; an externally built project always runs its commands,
+    // which are handed over whole, unexpanded, for the process runner to interpret.
+    if (element->type() != ProjectElement::Project || !builder)
+        return force;
+    const BuildFlags flags(type);
+    builder->init();
+    builder->setDirectory(ProjectSystem::projectDirectoryPath(element));
+    const QString cleanCommand =
+        projectSystem->settingFor(element, externalCleanCommandProperty, configuration);
+    if (flags.clean && !cleanCommand.isEmpty())
+        runGroupCommand(element, QStringLiteral("Running Clean command ") + nameOf(element),
+                        {cleanCommand}, builder);
+    const QString buildCommand =
+        projectSystem->settingFor(element, externalBuildCommandProperty, configuration);
+    if (!errorOccurred && !stopRequested && !flags.cleanOnly && !buildCommand.isEmpty()) {
+        const QStringList outputs = {output(action, element, configuration, true)};
+        runGroupCommand(element, QStringLiteral("Running Build command ") + nameOf(element),
+                        {buildCommand}, builder, &outputs);
+    }
+    return force;
+}
+
+void StandardBuildSystem::runGroupCommand(ProjectElement *project, const QString &heading,
+                                          const QStringList &command, Builder *builder,
+                                          const QStringList *outputFiles)
+{
+    builder->beginGroup(project, heading, false);
+    builder->setCommand(command);
+    if (outputFiles)
+        builder->setOutputFiles(*outputFiles);
+    builder->doit();
+    builder->endGroup(project);
+    // What such a command made is unknown.
+    disk().invalidateAll();
+}
