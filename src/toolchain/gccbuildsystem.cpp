@@ -8,7 +8,6 @@
 #include "settings/environmentpropertyvalue.h"
 #include "settings/environmentsettings.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 namespace {
@@ -109,14 +108,10 @@ void GCCBuildSystem::createCommandFor(ProjectElement *element, const QString &co
     switch (action) {
     case ActionCompileC:
     case ActionCompileCpp:
-    case ActionAssemble: {
-        QString input = inputs.value(0);
-        if (QDir::isRelativePath(input))
-            input = projectDirectory + QLatin1Char('/') + input;
-        compileCommand(element, configuration, action, output, absoluteOutput, input, tools,
-                       builder);
+    case ActionAssemble:
+        compileCommand(element, configuration, action, output, absoluteOutput,
+                       getAbsPath(projectDirectory, inputs.value(0)), tools, builder);
         break;
-    }
     case ActionLink:
         linkCommands(element, configuration, output, absoluteOutput, inputs, tools, builder);
         break;
@@ -277,8 +272,6 @@ QStringList GCCBuildSystem::getObjectFileDependencies(const QString &projectDire
                                                       const QString &, const QString &objectPath)
 {
     // Commands run in the project directory, so that is where a relative object lies.
-    const QString object = QDir::isRelativePath(objectPath)
-                               ? projectDirectory + QLatin1Char('/') + objectPath
-                               : objectPath;
-    return readDependencyFile(dependencyFilePath(object), projectDirectory, &disk());
+    return readDependencyFile(dependencyFilePath(getAbsPath(projectDirectory, objectPath)),
+                              projectDirectory, &disk());
 }
