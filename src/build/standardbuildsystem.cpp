@@ -246,15 +246,3 @@ void StandardBuildSystem::makeExternalTargetAndDebugClasses()
         "debug_command_arguments", PropertyClass::String, debuggingOptions, "Command Arguments",
         "The command arguments passed to the executable.", "$(ProjectName)$(EXE)");
 }
-
-void StandardBuildSystem::createCommandFor(ProjectElement *, const QString &, BuildAction,
-                                           const QString &, const QString &, const QStringList &,
-                                           Builder *, bool, bool)
-{
-}
-
-QStringList StandardBuildSystem::getObjectFileDependencies(const QString &, const QString &,
-                                                           const QString &)
-{
-    return QStringList();
-}

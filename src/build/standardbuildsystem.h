@@ -77,7 +77,7 @@ public:
     virtual void createCommandFor(ProjectElement *element, const QString &configuration,
                                   BuildAction action, const QString &output,
                                   const QString &absoluteOutput, const QStringList &inputs,
-                                  Builder *builder, bool quiet, bool clean);
+                                  Builder *builder, bool quiet, bool clean) = 0;
     /// Whether no property that goes into the command of `action` changed after
     /// `targetModified`; tool-chain layers extend the list.
     virtual bool commandUpToDate(ProjectElement *element, const QString &configuration,
@@ -86,7 +86,8 @@ public:
     /// The files the object file `objectPath` was last compiled from, as the compiler listed
     /// them; empty when that is unknown.
     virtual QStringList getObjectFileDependencies(const QString &projectDirectory,
-                                                  const QString &input, const QString &objectPath);
+                                                  const QString &input,
+                                                  const QString &objectPath) = 0;
     /// Whether the additional output format's file beside the link output `output` exists, or
     /// none is asked for.
     bool additionalOutputFileUpToDate(ProjectElement *element, const QString &configuration,
