@@ -1,0 +1,91 @@
+#include "toolchain/armbuildsystem.h"
+
+#include "frontend/builder.h"
+#include "project/projectsystem.h"
+
+#include <QDir>
+
+QString ARMBuildSystem::absoluteProjectFilePath(const QString &path, const QString &directory)
+{
+    return QDir::isRelativePath(path) ? directory + QLatin1Char('/') + path : path;
+}
+
+void ARMBuildSystem::createCommandFor(ProjectElement *element, const QString &configuration,
+                                      BuildAction action, const QString &output,
+                                      const QString &absoluteOutput, const QStringList &inputs,
+                                      Builder *builder, bool, bool clean)
+{
+    const QString toolRoot = toolChainRoot();
+    const QString projectDirectory =
+        ProjectSystem::projectDirectoryPath(ProjectSystem::projectContaining(element));
+    builder->init();
+    builder->setDirectory(projectDirectory);
+
+    switch (action) {
+    case ActionCompileC:
+    case ActionCompileCpp:
+        compileCommands(element, configuration, action, output, absoluteOutput,
+                        absoluteProjectFilePath(inputs.value(0), projectDirectory), toolRoot,
+                        builder);
+        break;
+    case ActionAssemble:
+        assembleCommands(element, configuration, output, absoluteOutput,
+                         absoluteProjectFilePath(inputs.value(0), projectDirectory), toolRoot,
+                         builder);
+        break;
+    case ActionLink:
+        linkCommands(element, configuration, output, absoluteOutput, inputs, projectDirectory,
+                     toolRoot, builder, clean);
+        break;
+    case ActionArchive:
+        archiveCommands(element, output, absoluteOutput, inputs, projectDirectory, toolRoot,
+                        builder);
+        break;
+    default:
+        break;
+    }
+}
+
+bool ARMBuildSystem::commandUpToDate(ProjectElement *element, const QString &configuration,
+                                     QDateTime targetModified, BuildAction action, Builder *builder,
+                                     bool quiet)
+{
+    if (!GCCBuildSystem::commandUpToDate(element, configuration, targetModified, action, builder,
+                                         quiet))
+        return false;
+    QList<const PropertyClass *> properties;
+    switch (action) {
+    case ActionCompileC:
+    case ActionCompileCpp:
+    case ActionAssemble:
+        properties = {armInstructionSetProperty,
+                      armArchitectureProperty,
+                      armCoreTypeProperty,
+                      armFpuTypeProperty,
+                      armFpAbiProperty,
+                      armEndianProperty,
+                      armLongCallsProperty,
+                      armInterworkProperty,
+                      armKeepAssemblyProperty,
+                      armModuleCallViasProperty,
+                      buildRemoveUnusedSymbolsProperty};
+        break;
+    case ActionLink:
+        properties = {
+            armLibraryInstructionSetProperty, armLibraryCheckMemorySegmentOverflowProperty,
+            buildRemoveUnusedSymbolsProperty, armUseGccLibrariesProperty,
+            armLinkerStackSizeProperty,       armLinkerIrqStackSizeProperty,
+            armLinkerFiqStackSizeProperty,    armLinkerSvcStackSizeProperty,
+            armLinkerAbtStackSizeProperty,    armLinkerUndStackSizeProperty,
+            armLinkerHeapSizeProperty,        armLinkerTreatWarningsAsErrorsProperty};
+        break;
+    default:
+        break;
+    }
+    for (const PropertyClass *propertyClass : std::as_const(properties)) {
+        if (!projectSystem->upToDate(element, propertyClass, configuration, targetModified, builder,
+                                     quiet))
+            return false;
+    }
+    return true;
+}

@@ -1,0 +1,299 @@
+#include "toolchain/armbuildsystem.h"
+
+#include "frontend/builder.h"
+#include "macros/macrosystem.h"
+#include "project/projectelement.h"
+#include "project/projectsystem.h"
+#include "project/propertyvaluegroupclass.h"
+#include "project/propertyvaluegroupfile.h"
+#include "project/propertyvaluegroups.h"
+
+#include <QFileInfo>
+
+namespace {
+
+/// The compiler's option for an optimisation level; anything unknown optimises for size.
+QString optimizationOption(const QString &level)
+{
+    if (level == QLatin1String("None"))
+        return QString();
+    if (level == QLatin1String("Level 1"))
+        return QStringLiteral("-O1");
+    if (level == QLatin1String("Level 2"))
+        return QStringLiteral("-O2");
+    if (level == QLatin1String("Level 3"))
+        return QStringLiteral("-O3");
+    return QStringLiteral("-Os");
+}
+
+/// The predefinition that names `architecture`, or a null string.
+QString architectureDefinition(const QString &architecture)
+{
+    if (architecture == QLatin1String("v4T") || architecture == QLatin1String("ARM4T"))
+        return QStringLiteral("-D__ARM_ARCH_4T__");
+    if (architecture == QLatin1String("v5T"))
+        return QStringLiteral("-D__ARM_ARCH_5T__");
+    if (architecture == QLatin1String("v5TE"))
+        return QStringLiteral("-D__ARM_ARCH_5TE__");
+    if (architecture == QLatin1String("v7M"))
+        return QStringLiteral("-D__ARM_ARCH_7M__");
+    return QString();
+}
+
+/// `options` split into arguments, if there are any.
+void appendOptions(QStringList &command, const QString &options)
+{
+    if (!options.isEmpty())
+        command << MacroSystem::stringListFromString(options, false);
+}
+
+/// The "Name" attribute of `element`, which group headings show.
+QString nameOf(const ProjectElement *element)
+{
+    return element->attribute(QStringLiteral("Name"));
+}
+
+} // namespace
+
+void ARMBuildSystem::compileCommands(ProjectElement *element, const QString &configuration,
+                                     BuildAction action, const QString &output,
+                                     const QString &absoluteOutput, const QString &source,
+                                     const QString &toolRoot, Builder *builder)
+{
+    const bool cpp = action == ActionCompileCpp;
+    QStringList command{toolRoot + (cpp ? QStringLiteral("/cc1plus") : QStringLiteral("/cc1"))};
+    if (cpp) {
+        if (setting(element, cppEnableExceptionsProperty, configuration) == QLatin1String("No"))
+            command << QStringLiteral("-fno-exceptions");
+        if (setting(element, cppEnableRttiProperty, configuration) == QLatin1String("No"))
+            command << QStringLiteral("-fno-rtti");
+    }
+    command << QStringLiteral("-fmessage-length=0");
+    addARMOptions(element, configuration, command, false);
+    addPreprocessorOptions(element, configuration, output, command);
+    if (isOn(element, buildDebugInformationProperty, configuration))
+        command << QStringLiteral("-gdwarf-2");
+    if (isOn(element, cEnforceAnsiCheckingProperty, configuration))
+        command << (cpp ? QStringLiteral("-std=c++98") : QStringLiteral("-std=c99"));
+    const QString optimization =
+        optimizationOption(setting(element, gccOptimizationLevelProperty, configuration));
+    if (!optimization.isEmpty())
+        command << optimization;
+    if (isOn(element, gccOmitFramePointerProperty, configuration))
+        command << QStringLiteral("-fomit-frame-pointer");
+    const bool longCalls = isOn(element, armLongCallsProperty, configuration);
+    if (longCalls)
+        command << QStringLiteral("-mlong-calls");
+    command << QStringLiteral("-fno-builtin");
+    if (isOn(element, buildRemoveUnusedSymbolsProperty, configuration))
+        command << QStringLiteral("-ffunction-sections");
+
+    const bool keepAssembly = isOn(element, armKeepAssemblyProperty, configuration);
+    const QString assembly = keepAssembly
+                                 ? QFileInfo(absoluteOutput).absolutePath() + QLatin1Char('/') +
+                                       QFileInfo(output).completeBaseName() + QStringLiteral(".asm")
+                                 : createTmpFile(element, configuration);
+    command << source << QStringLiteral("-o") << assembly;
+
+    builder->beginGroup(element, QStringLiteral("Compiling ") + nameOf(element), false);
+    builder->setCommand(command);
+    if (keepAssembly)
+        builder->setOutputFiles({assembly});
+    builder->setTemporaryFiles({assembly});
+    builder->doit();
+    if (mustStop())
+        return;
+
+    if (longCalls && isOn(element, armModuleCallViasProperty, configuration) &&
+        setting(element, armInstructionSetProperty, configuration) == QLatin1String("Thumb"))
+        workaroundCallViaBug(assembly);
+
+    command = {toolRoot + QStringLiteral("/as")};
+    addAssemblerOptions(element, configuration, assembly, output, command);
+    builder->setCommand(command);
+    builder->setOutputFiles({absoluteOutput});
+    builder->setTemporaryFiles({});
+    builder->doit();
+    // The scratch assembly goes even when the assembler failed on it.
+    if (!keepAssembly) {
+        builder->setCommand({QStringLiteral("rm"), assembly});
+        builder->setOutputFiles({});
+        builder->doit();
+    }
+    if (mustStop())
+        return;
+    finishObject(element, configuration, output, toolRoot, builder);
+}
+
+void ARMBuildSystem::assembleCommands(ProjectElement *element, const QString &configuration,
+                                      const QString &output, const QString &absoluteOutput,
+                                      const QString &source, const QString &toolRoot,
+                                      Builder *builder)
+{
+    const bool debug = isOn(element, buildDebugInformationProperty, configuration);
+    const QString preprocessed = createTmpFile(element, configuration);
+    QStringList command{toolRoot + QStringLiteral("/cc1"), QStringLiteral("-E")};
+    if (!debug)
+        command << QStringLiteral("-P");
+    addARMOptions(element, configuration, command, false);
+    addPreprocessorOptions(element, configuration, output, command);
+    command << QStringLiteral("-lang-asm") << source << QStringLiteral("-o") << preprocessed;
+
+    builder->beginGroup(element, QStringLiteral("Assembling ") + nameOf(element), false);
+    builder->setCommand(command);
+    builder->setTemporaryFiles({preprocessed});
+    builder->doit();
+
+    command = {toolRoot + QStringLiteral("/as")};
+    addAssemblerOptions(element, configuration, preprocessed, output, command);
+    if (debug)
+        command << QStringLiteral("--gdwarf2");
+    if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
+        command << QStringLiteral("--fatal-warnings");
+    builder->setCommand(command);
+    builder->setOutputFiles({absoluteOutput});
+    builder->setTemporaryFiles({});
+    builder->doit();
+
+    builder->setCommand({QStringLiteral("rm"), preprocessed});
+    builder->setOutputFiles({});
+    builder->doit();
+    if (mustStop())
+        return;
+    finishObject(element, configuration, output, toolRoot, builder);
+}
+
+void ARMBuildSystem::finishObject(ProjectElement *element, const QString &configuration,
+                                  const QString &output, const QString &toolRoot, Builder *builder)
+{
+    QStringList command;
+    addSectionRenaming(element, configuration, output, toolRoot, command);
+    if (!command.isEmpty()) {
+        builder->setCommand(command);
+        builder->setOutputFiles({});
+        builder->doit();
+    }
+    builder->endGroup(element);
+}
+
+void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QString &configuration,
+                                            const QString &objectFile, QStringList &command)
+{
+    command << QStringLiteral("-nostdinc");
+    if (setting(element, cIgnoreIncludesProperty, configuration) == QLatin1String("No")) {
+        appendSplitItems(
+            command, QStringLiteral("-isystem"),
+            settingForExpanded(element, cSystemIncludeDirectoriesProperty, configuration));
+        appendSplitItems(
+            command, QStringLiteral("-I"),
+            settingForExpanded(element, cUserIncludeDirectoriesProperty, configuration));
+    }
+    if (isOn(element, cUndefineAllPreprocessorDefinitionsProperty, configuration)) {
+        command << QStringLiteral("-undef");
+    } else {
+        const QString architecture =
+            architectureDefinition(setting(element, armArchitectureProperty, configuration));
+        if (!architecture.isEmpty())
+            command << architecture;
+        command << QStringLiteral("-D__HALDEN_ARM");
+        addGroupDefinitions(element, configuration, command);
+    }
+    appendSplitItems(command, QStringLiteral("-D"),
+                     setting(element, cPreprocessorDefinitionsProperty, configuration));
+    appendSplitItems(command, QStringLiteral("-U"),
+                     setting(element, cPreprocessorUndefinitionsProperty, configuration));
+
+    if (!objectFile.isNull()) {
+        // The compiler proper takes the dependency file by name, beside the object.
+        const QFileInfo object(objectFile);
+        command << QStringLiteral("-MD")
+                << object.path() + QLatin1Char('/') + object.baseName() + QStringLiteral(".d")
+                << QStringLiteral("-MQ") << objectFile;
+        if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
+            command << QStringLiteral("-Werror");
+        command << (isOn(element, buildQuietlyProperty, configuration) ? QStringLiteral("-quiet")
+                                                                       : QStringLiteral("-v"));
+    }
+    appendOptions(command, setting(element, cAdditionalOptionsProperty, configuration));
+}
+
+void ARMBuildSystem::addGroupDefinitions(ProjectElement *element, const QString &configuration,
+                                         QStringList &command)
+{
+    const PropertyValueGroupFile *file = propertyValueGroups.currentFile();
+    if (!file)
+        return;
+    const QString tag = QStringLiteral("cdefine");
+    for (const PropertyValueGroupClass *group : file->groupClasses()) {
+        const PropertyValueGroupEntry entry =
+            group->getGroupEntry(setting(element, group, configuration));
+        const QStringList names = entry.getTaggedNames(tag);
+        for (const QString &name : names) {
+            QString itemConfiguration;
+            command << QStringLiteral("-D") + name + QLatin1Char('=') +
+                           entry.getTaggedValue(tag, name, itemConfiguration);
+        }
+    }
+}
+
+void ARMBuildSystem::addAssemblerOptions(ProjectElement *element, const QString &configuration,
+                                         const QString &input, const QString &output,
+                                         QStringList &command)
+{
+    command << QStringLiteral("--traditional-format");
+    addARMOptions(element, configuration, command, true);
+    appendOptions(command, setting(element, asmAdditionalOptionsProperty, configuration));
+    command << input << QStringLiteral("-o") << output;
+}
+
+void ARMBuildSystem::addSectionRenaming(ProjectElement *element, const QString &configuration,
+                                        const QString &objectFile, const QString &toolRoot,
+                                        QStringList &command)
+{
+    const struct
+    {
+        const PropertyClass *setting;
+        const char *standardName;
+    } sections[] = {{defaultCodeSectionProperty, ".text"},
+                    {defaultDataSectionProperty, ".data"},
+                    {defaultZeroedSectionProperty, ".bss"},
+                    {defaultConstSectionProperty, ".rodata"}};
+    QStringList renaming;
+    for (const auto &section : sections) {
+        const QString name = setting(element, section.setting, configuration);
+        const QString standardName = QString::fromLatin1(section.standardName);
+        if (name != standardName)
+            renaming << QStringLiteral("--rename-section")
+                     << standardName + QLatin1Char('=') + name;
+    }
+    if (renaming.isEmpty())
+        return;
+    command << toolRoot + QStringLiteral("/objcopy") << renaming << objectFile;
+}
+
+QString ARMBuildSystem::preprocess(ProjectElement *element, const QString &configuration,
+                                   Builder *builder)
+{
+    const QString toolRoot = toolChainRoot();
+    const QString projectDirectory =
+        ProjectSystem::projectDirectoryPath(ProjectSystem::projectContaining(element));
+    builder->init();
+    builder->setDirectory(projectDirectory);
+
+    const QFileInfo file(absoluteProjectFilePath(element->relativePath(), projectDirectory));
+    const QString result = file.absolutePath() + QLatin1Char('/') + file.completeBaseName() +
+                           QStringLiteral("_PP.") + file.completeSuffix();
+    const bool cpp = projectSystem->getFileType(element) == QLatin1String("C++");
+    QStringList command{toolRoot + (cpp ? QStringLiteral("/cc1plus") : QStringLiteral("/cc1")),
+                        QStringLiteral("-E")};
+    addARMOptions(element, configuration, command, false);
+    addPreprocessorOptions(element, configuration, QString(), command);
+    command << file.filePath() << QStringLiteral("-o") << result;
+
+    builder->beginGroup(element, QStringLiteral("Preprocessing ") + nameOf(element), false);
+    builder->setCommand(command);
+    builder->setOutputFiles({result});
+    builder->doit();
+    builder->endGroup(element);
+    return result;
+}
