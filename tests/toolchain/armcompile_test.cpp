@@ -1,0 +1,274 @@
+#include "armtesting.h"
+
+#include "project/propertyvaluegroups.h"
+
+#include <QFile>
+
+namespace {
+
+/// The target options of a default project, for the compiler and for the assembler.
+const QString armOptions =
+    "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp -mfloat-abi=soft";
+const QString asOptions = "-march=armv4t -mthumb-interwork -EL -mfpu=vfp -mfloat-abi=soft";
+
+/// The preprocessor options of a default project for the object `o`.
+QString preprocessorOptions(const QString &o)
+{
+    return "-nostdinc -isystem/bench/include -I. -D__ARM_ARCH_4T__ -D__HALDEN_ARM -MD Debug/" + o +
+           ".d -MQ Debug/" + o + ".o -quiet";
+}
+
+const QByteArray groupFile = R"(<!DOCTYPE Property_Groups>
+<propertyGroups>
+  <group name="board" default="big">
+    <groupEntry name="big">
+      <cdefine name="BOARD" value="2"/>
+      <cdefine name="CLOCK" value="72" configuration="Release"/>
+    </groupEntry>
+    <groupEntry name="small"><cdefine name="SMALL" value="1"/></groupEntry>
+  </group>
+  <group name="chip" default="m3">
+    <groupEntry name="m3"><cdefine name="CHIP" value=""/></groupEntry>
+  </group>
+</propertyGroups>
+)";
+
+} // namespace
+
+TEST_F(ARMTest, CompileThroughAScratchOrAKeptAssemblyFile)
+{
+    const QString cc1 = "command /tc/cc1 -fmessage-length=0 " + armOptions + " " +
+                        preprocessorOptions("main") + " -gdwarf-2 -fno-builtin @/src/main.c -o ";
+    const QString as = "command /tc/as --traditional-format " + asOptions + " ";
+    run(mainC, ActionCompileC, {}, "Debug/main.o", {"src/main.c"});
+    EXPECT_EQ(events(), "init\ndir @\ngroup Compiling main.c\n" + cc1 + "TMP\ndoit\n" + as +
+                            "TMP -o Debug/main.o\noutputs @/Debug/main.o\ndoit\n"
+                            "command rm TMP\noutputs \ndoit\nend");
+
+    // A kept assembly file lies beside the object and is not removed.
+    run(mainC, ActionCompileC, {{"arm_keep_assembly", "Yes"}}, "Debug/main.o", {"src/main.c"});
+    EXPECT_EQ(events(), "init\ndir @\ngroup Compiling main.c\n" + cc1 +
+                            "@/Debug/main.asm\noutputs @/Debug/main.asm\ndoit\n" + as +
+                            "@/Debug/main.asm -o Debug/main.o\noutputs @/Debug/main.o\ndoit\nend");
+
+    // Renamed default sections add the object copier; the vector section is not renamed.
+    const ARMSettings sections = {{"default_code_section", ".text2"},
+                                  {"default_const_section", ".ro"},
+                                  {"default_vector_section", ".vec"}};
+    run(mainC, ActionCompileC, sections, "Debug/main.o", {"src/main.c"});
+    EXPECT_TRUE(events().endsWith(
+        "command rm TMP\noutputs \ndoit\ncommand /tc/objcopy --rename-section .text=.text2 "
+        "--rename-section .rodata=.ro Debug/main.o\noutputs \ndoit\nend"))
+        << events().toStdString();
+
+    // A failed compile runs nothing more; a failed assembly still removes the scratch file.
+    // Either way the group stays open for the engine to close.
+    builder.failOn = "/cc1";
+    run(mainC, ActionCompileC, sections, "Debug/main.o", {"src/main.c"});
+    EXPECT_EQ(shown(builder.commands), cc1.mid(8) + "TMP");
+    builder.failOn = "/as";
+    run(mainC, ActionCompileC, sections, "Debug/main.o", {"src/main.c"});
+    EXPECT_TRUE(events().endsWith("command rm TMP\noutputs \ndoit")) << events().toStdString();
+}
+
+TEST_F(ARMTest, CompilerCommandLines)
+{
+    struct Case
+    {
+        ProjectElement *file;
+        BuildAction action;
+        ARMSettings settings;
+        QString command;
+    };
+    const QString tail = " -gdwarf-2 -fno-builtin ";
+    const std::vector<Case> cases = {
+        {libCpp,
+         ActionCompileCpp,
+         {},
+         "/tc/cc1plus -fno-exceptions -fno-rtti -fmessage-length=0 " + armOptions + " " +
+             preprocessorOptions("o") + tail + "@/lib.cpp -o TMP"},
+        {libCpp,
+         ActionCompileCpp,
+         {{"cpp_enable_exceptions", "Yes"},
+          {"cpp_enable_rtti", "Yes"},
+          {"c_enforce_ansi_checking", "Yes"},
+          {"gcc_optimization_level", "Optimize For Size"}},
+         "/tc/cc1plus -fmessage-length=0 " + armOptions + " " + preprocessorOptions("o") +
+             " -gdwarf-2 -std=c++98 -Os -fno-builtin @/lib.cpp -o TMP"},
+        {mainC,
+         ActionCompileC,
+         {{"build_debug_information", "No"},
+          {"build_quietly", "No"},
+          {"build_treat_warnings_as_errors", "Yes"},
+          {"c_enforce_ansi_checking", "Yes"},
+          {"gcc_optimization_level", "Level 2"},
+          {"gcc_omit_frame_pointer", "Yes"},
+          {"arm_long_calls", "Yes"},
+          {"build_remove_unused_symbols", "Yes"}},
+         "/tc/cc1 -fmessage-length=0 " + armOptions +
+             " -nostdinc -isystem/bench/include -I. -D__ARM_ARCH_4T__ -D__HALDEN_ARM -MD "
+             "Debug/o.d -MQ Debug/o.o -Werror -v -std=c99 -O2 -fomit-frame-pointer -mlong-calls "
+             "-fno-builtin -ffunction-sections @/src/main.c -o TMP"},
+        {mainC,
+         ActionCompileC,
+         {{"gcc_optimization_level", "Level 3"}},
+         "/tc/cc1 -fmessage-length=0 " + armOptions + " " + preprocessorOptions("o") +
+             " -gdwarf-2 -O3 -fno-builtin /elsewhere/x.c -o TMP"},
+    };
+    for (const Case &test : cases) {
+        SCOPED_TRACE(test.command.toStdString());
+        const QString input =
+            test.command.contains("/elsewhere") ? "/elsewhere/x.c" : test.file->relativePath();
+        run(test.file, test.action, test.settings, "Debug/o.o", {input});
+        EXPECT_EQ(shown(builder.commands).section('\n', 0, 0), test.command);
+    }
+}
+
+TEST_F(ARMTest, AssembleThroughThePreprocessor)
+{
+    const QString cc1 = "command /tc/cc1 -E ";
+    const QString cc1Rest = armOptions + " " + preprocessorOptions("start") +
+                            " -lang-asm @/start.s -o TMP\ndoit\n"
+                            "command /tc/as --traditional-format " +
+                            asOptions + " -mapcs \"--defsym X=1\" TMP -o Debug/start.o";
+    const ARMSettings asmOptions = {{"asm_additional_options", "-mapcs;--defsym X=1"}};
+    run(startS, ActionAssemble, asmOptions, "Debug/start.o", {"start.s"});
+    EXPECT_EQ(events(), "init\ndir @\ngroup Assembling start.s\n" + cc1 + cc1Rest +
+                            " --gdwarf2\noutputs @/Debug/start.o\ndoit\n"
+                            "command rm TMP\noutputs \ndoit\nend");
+
+    // Without debug information the preprocessor drops line markers and the assembler its
+    // debug option; warnings as errors reach both.
+    ARMSettings settings = asmOptions;
+    settings.push_back({"build_debug_information", "No"});
+    settings.push_back({"build_treat_warnings_as_errors", "Yes"});
+    run(startS, ActionAssemble, settings, "Debug/start.o", {"start.s"});
+    EXPECT_EQ(shown(builder.commands.mid(0, 2)), "/tc/cc1 -E -P " +
+                                                     QString(cc1Rest)
+                                                         .replace("-quiet", "-Werror -quiet")
+                                                         .replace("TMP\ndoit\ncommand ", "TMP\n") +
+                                                     " --fatal-warnings");
+
+    // A failed preprocessor doesn't stop the assembler or the removal; then the group stays
+    // open.
+    builder.failOn = "/cc1";
+    run(startS, ActionAssemble, {{"default_data_section", ".d2"}}, "Debug/start.o", {"start.s"});
+    EXPECT_EQ(builder.commands.size(), 3);
+    EXPECT_NE(builder.events.last(), "end");
+}
+
+TEST_F(ARMTest, PreprocessorOptionsWithGroupDefinitions)
+{
+    propertyValueGroups.setGroupFile(scratch.write("groups.xml", groupFile));
+    set(app, {{"c_user_include_directories", "inc;$(ProjectName)/x"},
+              {"c_system_include_directories", "$(BenchDir)/include;;sys"},
+              {"c_preprocessor_definitions", "A=1;B"},
+              {"c_preprocessor_undefinitions", "C"},
+              {"c_additional_options", "-Wall;-DX=a b"}});
+    auto options = [&](const QString &objectFile) {
+        QStringList command;
+        system->addPreprocessorOptions(mainC, debug, objectFile, command);
+        return command;
+    };
+    const QStringList includes = {"-nostdinc", "-isystem/bench/include", "-isystemsys", "-Iinc",
+                                  "-IApp/x"};
+    const QStringList user = {"-DA=1", "-DB", "-UC"};
+    const QStringList additional = {"-Wall", "-DX=a b"};
+    const QStringList predefined = {"-D__ARM_ARCH_4T__", "-D__HALDEN_ARM", "-DBOARD=2",
+                                    "-DCLOCK=72", "-DCHIP="};
+    const QStringList dependencies = {"-MD", "obj/m.d", "-MQ", "obj/m.o", "-quiet"};
+    EXPECT_EQ(options("obj/m.o"), includes + predefined + user + dependencies + additional);
+
+    // The entry chosen decides the definitions; a null object file wants no dependency file;
+    // the dependency file is named up to the object's first dot.
+    set(app, {{"board", "small"}, {"arm_architecture", "v7M"}});
+    const QStringList chosen = {"-D__ARM_ARCH_7M__", "-D__HALDEN_ARM", "-DSMALL=1", "-DCHIP="};
+    EXPECT_EQ(options(QString()), includes + chosen + user + additional);
+    EXPECT_EQ(options("x.y.o").mid(includes.size() + 7, 4),
+              QStringList({"-MD", "./x.d", "-MQ", "x.y.o"}));
+
+    // Undefining all drops the predefinitions, not the user's; ignoring includes drops those.
+    set(mainC, {{"c_undefine_all_preprocessor_definitions", "Yes"}, {"c_ignore_includes", "Yes"}});
+    EXPECT_EQ(options(QString()), QStringList({"-nostdinc", "-undef"}) + user + additional);
+    propertyValueGroups.setGroupFile("None");
+}
+
+TEST_F(ARMTest, CallViaStubsForThumbLongCalls)
+{
+    const QByteArray source = "\tbl\t_call_via_r3\n"
+                              "  mov r0, r1\n"
+                              "bl    _call_via_r3\n"
+                              "bl _call_via_fp\n"
+                              "bl _call_via_r3 @ other form\n"
+                              "blx _call_via_sp\n"
+                              "bl _call_via_x";
+    const QByteArray stubs = "  .text\n  .thumb_func\n  .align 2\n_call_via_fp:\n  bx fp\n  nop\n"
+                             "  .text\n  .thumb_func\n  .align 2\n_call_via_r3:\n  bx r3\n  nop\n";
+    const QString file = scratch.write("app/Debug/main.asm", source);
+    const ARMSettings thumbLongCalls = {
+        {"arm_keep_assembly", "Yes"}, {"arm_instruction_set", "Thumb"}, {"arm_long_calls", "Yes"}};
+
+    // Without the module's own stubs asked for, the assembly stays as the compiler wrote it.
+    run(mainC, ActionCompileC, thumbLongCalls, "Debug/main.o", {"src/main.c"});
+    EXPECT_EQ(scratch.read("app/Debug/main.asm"), source);
+    ARMSettings withStubs = thumbLongCalls;
+    withStubs.push_back({"arm_module_call_vias", "Yes"});
+    run(mainC, ActionCompileC, withStubs, "Debug/main.o", {"src/main.c"});
+    // Each used register once, in the table's order, behind every line kept.
+    EXPECT_EQ(scratch.read("app/Debug/main.asm"), source + "\n" + stubs);
+
+    // A file that can't be read is neither made nor emptied.
+    ARMBuildSystem::workaroundCallViaBug(scratch.file("none.asm"));
+    EXPECT_FALSE(QFile::exists(scratch.file("none.asm")));
+    const QString locked = scratch.write("locked.asm", "bl _call_via_r0\n");
+    QFile::setPermissions(locked, QFileDevice::Permissions());
+    const bool unreadable = !QFileInfo(locked).isReadable(); // not so for root
+    ARMBuildSystem::workaroundCallViaBug(locked);
+    QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    if (unreadable) {
+        EXPECT_EQ(scratch.read("locked.asm"), "bl _call_via_r0\n");
+    }
+}
+
+TEST_F(ARMTest, PreprocessCommand)
+{
+    EXPECT_EQ(system->preprocess(mainC, debug, &builder), expand("@/src/main_PP.c"));
+    EXPECT_EQ(events(), "init\ndir @\ngroup Preprocessing main.c\ncommand /tc/cc1 -E " +
+                            armOptions +
+                            " -nostdinc -isystem/bench/include -I. -D__ARM_ARCH_4T__ "
+                            "-D__HALDEN_ARM @/src/main.c -o @/src/main_PP.c\n"
+                            "outputs @/src/main_PP.c\ndoit\nend");
+    builder.clear();
+    builder.failOn = "/cc1plus";
+    EXPECT_EQ(system->preprocess(libCpp, debug, &builder), expand("@/lib_PP.cpp"));
+    EXPECT_TRUE(builder.commands.value(0).startsWith("/tc/cc1plus -E "));
+}
+
+TEST_F(ARMTest, SettingsThatOutdateACommand)
+{
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-3600);
+    const QDateTime after = QDateTime::currentDateTime().addSecs(3600);
+    auto upToDate = [&](ProjectElement *element, BuildAction action) {
+        return system->commandUpToDate(element, debug, before, action, &builder, false);
+    };
+    set(mainC, {{"arm_fpu_type", "VFP9"}});
+    set(app, {{"arm_linker_heap_size", "4096"}});
+    EXPECT_FALSE(upToDate(mainC, ActionCompileC));
+    EXPECT_TRUE(upToDate(libCpp, ActionCompileCpp));
+    EXPECT_FALSE(upToDate(app, ActionLink));
+    EXPECT_TRUE(upToDate(app, ActionArchive));
+    EXPECT_EQ(builder.messages, QStringList({"ARM FPU Type property has changed.",
+                                             "Heap Size property has changed."}));
+    EXPECT_TRUE(system->commandUpToDate(mainC, debug, after, ActionCompileC, &builder, false));
+
+    // The compiler's settings don't reach the link, and the library ones not the compile;
+    // unused symbol removal reaches both.
+    set(lib, {{"arm_long_calls", "Yes"}});
+    EXPECT_TRUE(upToDate(lib, ActionLink));
+    set(startS, {{"arm_library_instruction_set", "Thumb"}});
+    EXPECT_TRUE(upToDate(startS, ActionAssemble));
+    set(lib, {{"build_remove_unused_symbols", "Yes"}});
+    set(startS, {{"build_remove_unused_symbols", "Yes"}});
+    EXPECT_FALSE(upToDate(startS, ActionAssemble));
+    EXPECT_FALSE(upToDate(lib, ActionLink));
+}

@@ -1,0 +1,174 @@
+#include "armtesting.h"
+
+#include <QFile>
+
+namespace {
+
+/// The libraries of a link line, in order, without their directory and `$(LibExt)` ".a".
+QString libraryNames(QStringList command, const QString &directory, const QString &libExt)
+{
+    command = command.mid(command.indexOf("Debug/main.o") + 1);
+    return command.replaceInStrings(directory + "/", "")
+        .replaceInStrings(libExt + ".a", "")
+        .join(' ');
+}
+
+} // namespace
+
+TEST_F(ARMTest, DefaultLinkLineAndSequence)
+{
+    const QString ld =
+        "command /tc/ld -X -nostdlib -ereset_handler --omagic --fatal-warnings -EL -T@/app.ld "
+        "-Map Debug/App.map -u_vectors -o Debug/App.elf --start-group Debug/main.o /x/libq.a "
+        "/bench/lib/libarmdi_v4t_a_le.a /bench/lib/libm_v4t_a_le.a /bench/lib/libc_v4t_a_le.a "
+        "/bench/lib/libcpp_v4t_a_le.a /bench/lib/libdebugio_v4t_a_le.a "
+        "/bench/lib/libc_targetio_impl_v4t_a_le.a /bench/lib/lib_vfprintf_long_v4t_a_le.a "
+        "/bench/lib/lib_vfscanf_long_v4t_a_le.a";
+    const QStringList inputs = {"Debug/main.o", "/x/libq.a"};
+    run(app, ActionLink, {}, "Debug/App.elf", inputs);
+    EXPECT_EQ(events(), "init\ndir @\ngroup Linking App.elf\n" + ld +
+                            "\noutputs @/Debug/App.elf\ndoit\noutputs @/Debug/App.map\nend");
+
+    // An additional output format goes through the object copier, in the same group.
+    run(app, ActionLink, {{"linker_output_format", "hex"}, {"linker_map_file", "No"}},
+        "Debug/App.elf", inputs);
+    EXPECT_TRUE(events().endsWith("doit\ncommand /tc/objcopy Debug/App.elf @/Debug/App.hex "
+                                  "-Oihex\noutputs @/Debug/App.hex\ndoit\nend"));
+    run(app, ActionLink, {{"linker_output_format", "srec"}}, "out/x.y.elf", inputs);
+    EXPECT_EQ(builder.commands.value(1).section(' ', 2), expand("@/out/x.y.srec -Osrec"));
+
+    // A failed link ends the sequence with its group open.
+    builder.failOn = "/ld";
+    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", inputs);
+    EXPECT_TRUE(events().endsWith("outputs @/Debug/App.elf\ndoit")) << events().toStdString();
+}
+
+TEST_F(ARMTest, LinkOptionsOfEachSetting)
+{
+    const QString head = "/tc/ld -X -nostdlib ";
+    const QString script = " -T@/app.ld ";
+    const QString tail = " -o Debug/App.elf --start-group Debug/main.o";
+    struct Case
+    {
+        ARMSettings settings;
+        QString expected;
+    };
+    const ARMSettings quietNoLibraries = {{"link_include_standard_libraries", "No"},
+                                          {"arm_linker_treat_warnings_as_errors", "No"},
+                                          {"linker_map_file", "No"}};
+    auto with = [&](ARMSettings settings) {
+        settings.insert(settings.end(), quietNoLibraries.begin(), quietNoLibraries.end());
+        return settings;
+    };
+    const std::vector<Case> cases = {
+        {with({}), head + "-ereset_handler --omagic -EL" + script + "-u_vectors" + tail},
+        {with({{"build_quietly", "No"},
+               {"build_treat_warnings_as_errors", "Yes"},
+               {"arm_linker_no_warn_on_mismatch", "Yes"},
+               {"linker_additional_options", "--verbose;-z max"},
+               {"arm_endian", "Big"},
+               {"build_remove_unused_symbols", "Yes"},
+               {"gcc_entry_point", "start"}}),
+         head +
+             "-estart --omagic -v --fatal-warnings --no-warn-mismatch --verbose \"-z max\" -EB "
+             "--gc-sections" +
+             script + "-u_vectors" + tail},
+        // Symbol definitions keep their "=" and stand apart from their option.
+        {with({{"link_symbol_definitions", "a=1;;b=0x2"}, {"linker_keep_symbols", "x;y"}}),
+         head + "-ereset_handler --omagic -EL" + script + "--defsym a=1 --defsym b=0x2 -ux -uy" +
+             tail},
+    };
+    for (const Case &test : cases) {
+        run(app, ActionLink, test.settings, "Debug/App.elf", {"Debug/main.o"});
+        EXPECT_EQ(shown(builder.commands).section('\n', 0, 0), test.expected);
+    }
+    run(app, ActionLink, with({{"link_symbol_definitions", "a=1"}}), "Debug/App.elf",
+        {"Debug/main.o"});
+    EXPECT_EQ(builder.command.mid(builder.command.indexOf("--defsym"), 2),
+              QStringList({"--defsym", "a=1"}));
+}
+
+TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
+{
+    struct Case
+    {
+        ARMSettings settings;
+        const char *libraries;
+    };
+    const char *const common = "libm libc libcpp libdebugio";
+    const std::vector<Case> cases = {
+        {{}, "libarmdi %1 libc_targetio_impl lib_vfprintf_long lib_vfscanf_long"},
+        {{{"arm_target_debug_interface_type", "ADIv5"}, {"link_IOLibraryName", "debug"}},
+         "libadiv5 %1 libc_debugio_impl lib_vfprintf_long lib_vfscanf_long"},
+        {{{"arm_target_debug_interface_type", "XScale7BitIR"}, {"link_IOLibraryName", "none"}},
+         "libxscale %1 lib_vfprintf_long lib_vfscanf_long"},
+        {{{"arm_target_debug_interface_type", "XScale"}, {"cpp_enable_rtti", "Yes"}},
+         "libxscale %1 libc_targetio_impl libgccxceptrtti lib_vfprintf_long lib_vfscanf_long"},
+        {{{"cpp_enable_exceptions", "Yes"}, {"linker_printf_fp_enabled", "Yes"}},
+         "libarmdi %1 libc_targetio_impl libgccxceptrtti lib_vfprintf_double_long_long "
+         "lib_vfscanf_long"},
+        {{{"cpp_enable_exceptions", "Yes"},
+          {"arm_use_gcc_libraries", "No"},
+          {"linker_scanf_character_group_matching_enabled", "Yes"}},
+         "libarmdi %1 libc_targetio_impl lib_vfprintf_long lib_vfscanf_long_cc"},
+    };
+    for (const Case &test : cases) {
+        run(app, ActionLink, test.settings, "Debug/App.elf", {"Debug/main.o"});
+        EXPECT_EQ(libraryNames(builder.command, "/bench/lib", "_v4t_a_le"),
+                  QString(test.libraries).arg(common));
+    }
+
+    // The directory is expanded with the project's macros, `$(LibExt)` among them.
+    run(app, ActionLink,
+        {{"link_standard_libraries_directory", "$(ProjectName)/l$(LibExt)"},
+         {"arm_library_instruction_set", "Thumb"}},
+        "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(builder.command.value(builder.command.indexOf("Debug/main.o") + 2),
+              "App/l_v4t_t_le/libm_v4t_t_le.a");
+
+    // Without the standard libraries only the objects follow; the compatibility mode has no
+    // debug I/O and picks a floating point library.
+    run(app, ActionLink, {{"link_include_standard_libraries", "No"}}, "Debug/App.elf",
+        {"Debug/main.o", "x.a"});
+    EXPECT_EQ(builder.command.mid(builder.command.indexOf("--start-group")),
+              QStringList({"--start-group", "Debug/main.o", "x.a"}));
+    EXPECT_TRUE(builder.command.contains("-nostdlib"));
+    system->setGenerate_1_5_commandLine(true);
+    run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(libraryNames(builder.command, "/bench/lib", "_v4t_a_i_le"),
+              "libarmdi libm libc libcpp libgccfp lib_vfprintf_long lib_vfscanf_long");
+    EXPECT_TRUE(builder.command.contains("-e0"));
+    EXPECT_FALSE(builder.command.join(' ').contains(" -u"));
+    run(app, ActionLink, {{"arm_use_gcc_libraries", "No"}}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_TRUE(builder.command.contains("/bench/lib/libkmffp_v4t_a_i_le.a"));
+}
+
+TEST_F(ARMTest, LinkWithoutAScriptOrMemoryMap)
+{
+    // The project's memory map file is named but absent.
+    set(linkerScriptFile, {{"build_exclude_from_build", "Yes"}});
+    run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(builder.errors,
+              QStringList{"memory map file does not exist: " + expand("@/map.xml")});
+    EXPECT_EQ(events(), "init\ndir @");
+
+    // A setting that names no file on disk counts as none.
+    set(memoryMapFile, {{"build_exclude_from_build", "Yes"}});
+    run(app, ActionLink, {{"linker_memory_map_file", "nowhere.xml"}}, "Debug/App.elf",
+        {"Debug/main.o"});
+    EXPECT_EQ(builder.errors, QStringList{"no linker script or memory map file specified"});
+    EXPECT_EQ(events(), "init\ndir @");
+}
+
+TEST_F(ARMTest, ArchiveReplacesTheLibrary)
+{
+    scratch.write("app/Debug/App.a", "old members");
+    run(app, ActionArchive, {}, "Debug/App.a", {"Debug/a.o", "/x/b.o"});
+    EXPECT_FALSE(QFile::exists(scratch.file("app/Debug/App.a")));
+    EXPECT_EQ(events(), "init\ndir @\ngroup Archiving App.a\n"
+                        "command /tc/ar -rcs Debug/App.a Debug/a.o /x/b.o\n"
+                        "outputs @/Debug/App.a\ndoit\nend");
+    builder.failOn = "/ar";
+    run(app, ActionArchive, {}, "Debug/App.a", {"Debug/a.o"});
+    EXPECT_TRUE(events().endsWith("doit"));
+}
