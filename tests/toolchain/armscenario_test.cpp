@@ -1,0 +1,167 @@
+#include "foundation/product.h"
+#include "settings/environmentsettings.h"
+#include "support/testsupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QSettings>
+
+namespace {
+
+/// A tool that writes its name and arguments to $FAKE_TOOL_LOG, makes the files it is asked
+/// to make, and fails if its name is in $FAKE_TOOL_FAIL.
+const QByteArray fakeTool = R"(#!/bin/sh
+tool=${0##*/}
+echo "$tool $*" >> "$FAKE_TOOL_LOG"
+prev=
+for arg in "$@"; do
+  case "$prev" in -o|-MD|-Map) : > "$arg" ;; esac
+  prev=$arg
+done
+case "$tool" in ar|objcopy) : > "$2" ;; esac
+case " $FAKE_TOOL_FAIL " in *" $tool "*) exit 1 ;; esac
+exit 0
+)";
+
+const QByteArray solution = R"(<!DOCTYPE Tarnbench_Project_File>
+<solution Name="S" version="1">
+  <configuration Name="Debug"/>
+  <project Name="App">
+    <configuration Name="Common" project_directory="app" project_type="Executable"
+      project_dependencies="Lib" linker_output_format="bin" c_preprocessor_definitions="V=1"/>
+    <file Name="main.c" file_name="main.c"/>
+    <file Name="start.s" file_name="start.s"/>
+    <file Name="app.ld" file_name="app.ld">
+      <configuration Name="Common" file_type="Linker Script"/>
+    </file>
+  </project>
+  <project Name="Lib">
+    <configuration Name="Common" project_directory="lib" project_type="Library"
+      arm_instruction_set="Thumb"/>
+    <file Name="lib.c" file_name="lib.c"/>
+  </project>
+</solution>
+)";
+
+/// A solution of an application and its library, built by the program with a tool chain of
+/// recording scripts in the installation's tool directory.
+class ARMScenario : public ::testing::Test
+{
+protected:
+    ARMScenario()
+    {
+        for (const char *tool : {"cc1", "as", "ld", "ar", "objcopy"}) {
+            const QString path = work.write(QStringLiteral("bench/gcc/bin/") + tool, fakeTool);
+            QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeOwner);
+        }
+        work.write("s.hdp", solution);
+        work.write("app/main.c", "int main(void) { return 0; }\n");
+        work.write("app/start.s", "  .global reset_handler\n");
+        work.write("app/app.ld", "SECTIONS {}\n");
+        work.write("lib/lib.c", "int f(void) { return 1; }\n");
+    }
+
+    /// Runs the program on the solution in "Debug" with `options` added.
+    RunResult build(const QStringList &options = {}, const QString &failing = QString())
+    {
+        return runTidemake(
+            QStringList{"-config", "Debug", "-BenchDir", work.file("bench")} + options +
+                QStringList{"s.hdp"},
+            work.path(), settings.path(),
+            {"FAKE_TOOL_LOG=" + work.file("tools.log"), "FAKE_TOOL_FAIL=" + failing});
+    }
+    /// The tool runs recorded so far, scratch file names shown as "TMP", the work directory
+    /// as "@"; the record starts anew.
+    QString takeLog()
+    {
+        QString log = QString::fromLocal8Bit(work.read("tools.log"));
+        QFile::remove(work.file("tools.log"));
+        return log.replace(QRegularExpression("\\S*/tmp/file\\w{6}"), "TMP")
+            .replace(work.path(), "@");
+    }
+    /// Stores `directory` as the tool chain root in the program's settings.
+    void setToolChainRoot(const QString &directory)
+    {
+        QSettings store(settings.path() + "/.config/" + Get_OWNER() + "/" + Get_BENCH_BRANDING() +
+                            ".ini",
+                        QSettings::IniFormat);
+        store.setValue(EnvironmentSettings::rootKey() +
+                           "Environment/Build/Tool Chain Root Directory",
+                       directory);
+    }
+
+    ScratchDir work;
+    ScratchDir settings;
+};
+
+} // namespace
+
+TEST_F(ARMScenario, BuildsWithTheInstallationsToolsAndStopsAtAFailure)
+{
+    const QString arm = "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp "
+                        "-mfloat-abi=soft -nostdinc -isystem@/bench/include -I. "
+                        "-D__ARM_ARCH_4T__ -D__HALDEN_ARM";
+    const QString as = "as --traditional-format -march=armv4t -mthumb-interwork -EL -mfpu=vfp "
+                       "-mfloat-abi=soft";
+    const QString lib = "@/bench/lib/lib";
+    const RunResult first = build();
+    EXPECT_EQ(first.exitCode, 0);
+    EXPECT_EQ(first.out, "  Building \"Lib\" in configuration \"Debug\"\n"
+                         "    Compiling lib.c\n"
+                         "    Archiving Lib.a\n"
+                         "  Building \"App\" in configuration \"Debug\"\n"
+                         "    Compiling main.c\n"
+                         "    Assembling start.s\n"
+                         "    Linking App.elf\n")
+        << first.err.toStdString();
+    EXPECT_EQ(
+        takeLog(),
+        "cc1 -fmessage-length=0 " +
+            QString(arm).replace("-mthumb-interwork", "-mthumb -mthumb-interwork") +
+            " -MD Debug/lib.d -MQ Debug/lib.o -quiet -gdwarf-2 -fno-builtin @/lib/lib.c -o TMP\n" +
+            QString(as).replace("-mthumb-interwork", "-mthumb -mthumb-interwork") +
+            " TMP -o Debug/lib.o\n"
+            "ar -rcs Debug/Lib.a Debug/lib.o\n"
+            "cc1 -fmessage-length=0 " +
+            arm +
+            " -DV=1 -MD Debug/main.d -MQ Debug/main.o -quiet -gdwarf-2 -fno-builtin "
+            "@/app/main.c -o TMP\n" +
+            as + " TMP -o Debug/main.o\n" + "cc1 -E " + arm +
+            " -DV=1 -MD Debug/start.d -MQ Debug/start.o -quiet -lang-asm @/app/start.s -o "
+            "TMP\n" +
+            as + " TMP -o Debug/start.o --gdwarf2\n" +
+            "ld -X -nostdlib -ereset_handler --omagic --fatal-warnings -EL -T@/app/app.ld "
+            "-Map Debug/App.map -u_vectors -o Debug/App.elf --start-group Debug/main.o "
+            "Debug/start.o @/lib/Debug/Lib.a " +
+            lib + "armdi_v4t_a_le.a " + lib + "m_v4t_a_le.a " + lib + "c_v4t_a_le.a " + lib +
+            "cpp_v4t_a_le.a " + lib + "debugio_v4t_a_le.a " + lib + "c_targetio_impl_v4t_a_le.a " +
+            lib + "_vfprintf_long_v4t_a_le.a " + lib +
+            "_vfscanf_long_v4t_a_le.a\n"
+            "objcopy Debug/App.elf @/app/Debug/App.bin -Obinary\n");
+    // The scratch assembly files are gone; what the tools made stays.
+    EXPECT_TRUE(QDir(work.file("app/Debug/tmp")).isEmpty());
+    EXPECT_TRUE(QFile::exists(work.file("app/Debug/App.bin")));
+
+    // Nothing changed: nothing runs. Then a failing assembler stops the build before the link.
+    EXPECT_EQ(build().out, "  Building \"Lib\" in configuration \"Debug\"\n"
+                           "  Building \"App\" in configuration \"Debug\"\n");
+    EXPECT_EQ(takeLog(), "");
+    const RunResult failed = build({"-rebuild", "-project", "App"}, "as");
+    EXPECT_EQ(failed.exitCode, 0);
+    EXPECT_EQ(failed.out, "  Building \"Lib\" in configuration \"Debug\"\n"
+                          "    Compiling lib.c\n");
+    EXPECT_EQ(takeLog().count('\n'), 2);
+}
+
+TEST_F(ARMScenario, AToolChainRootThatDoesNotExist)
+{
+    setToolChainRoot(work.file("missing/bin"));
+    const RunResult result = build({"-project", "Lib"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "  Building \"Lib\" in configuration \"Debug\"\n"
+                          "    Compiling lib.c\n"
+                          "    can't execute command \"" +
+                              work.file("missing/bin/cc1") + "\"\n");
+}
