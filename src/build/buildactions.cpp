@@ -81,6 +81,29 @@ QString StandardBuildSystem::output(BuildAction action, ProjectElement *element,
 {
     if (!element)
         return QString();
+    if (buildSerial() != m_outputsSerial) {
+        m_outputs.clear();
+        m_outputsSerial = buildSerial();
+    }
+    const OutputKey key{element, int(action), configuration};
+    auto known = buildSerial() ? m_outputs.constFind(key) : m_outputs.cend();
+    QString result;
+    if (known != m_outputs.cend()) {
+        result = *known;
+    } else {
+        result = outputOf(action, element, configuration);
+        if (buildSerial())
+            m_outputs.insert(key, result);
+    }
+    // An empty name is no path, so it is not made into the project directory.
+    if (absolute && !result.isEmpty())
+        return getAbsPath(projectDirectoryOf(element), result);
+    return result;
+}
+
+QString StandardBuildSystem::outputOf(BuildAction action, ProjectElement *element,
+                                      const QString &configuration)
+{
     const bool isFile = element->type() == ProjectElement::File;
     const bool isProject = element->type() == ProjectElement::Project;
     QString raw;
@@ -120,14 +143,7 @@ QString StandardBuildSystem::output(BuildAction action, ProjectElement *element,
     default:
         break;
     }
-    if (raw.isNull())
-        return QString();
-
-    const QString result = replaceMacros(element, raw, configuration);
-    // An empty name is no path, so it is not made into the project directory.
-    if (absolute && !result.isEmpty())
-        return getAbsPath(projectDirectoryOf(element), result);
-    return result;
+    return raw.isNull() ? QString() : replaceMacros(element, raw, configuration);
 }
 
 bool StandardBuildSystem::mustCompile(ProjectElement *element, const QString &configuration)

@@ -205,11 +205,13 @@ int BuildSystem::build(ProjectElement *element, const QString &configuration, Bu
     struct BuildScope
     {
         BuildSystem *system;
-        explicit BuildScope(BuildSystem *system) : system(system) { system->m_building = true; }
+        explicit BuildScope(BuildSystem *system) : system(system)
+        {
+            system->m_buildSerial = ++system->m_lastBuildSerial;
+        }
         ~BuildScope()
         {
-            system->m_building = false;
-            system->m_macroSetValid = false;
+            system->m_buildSerial = 0;
             system->m_macroSet.clear();
         }
     } scope(this);
@@ -451,13 +453,13 @@ QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QStrin
 const QMap<QString, QString> &BuildSystem::macroSet(ProjectElement *element,
                                                     const QString &configuration)
 {
-    if (m_building && m_macroSetValid && m_macroSetElement == element &&
+    if (m_buildSerial && m_macroSetSerial == m_buildSerial && m_macroSetElement == element &&
         m_macroSetConfiguration == configuration)
         return m_macroSet;
     m_macroSet = macros(element, configuration);
     m_macroSetElement = element;
     m_macroSetConfiguration = configuration;
-    m_macroSetValid = m_building;
+    m_macroSetSerial = m_buildSerial;
     return m_macroSet;
 }
 

@@ -179,11 +179,15 @@ protected:
                                         const char *longDescription,
                                         const char *defaultValue = nullptr);
 
+    /// A number of its own for the build under way, 0 outside a build: what is remembered for
+    /// one build is kept under it, as settings don't change while a build runs.
+    quint64 buildSerial() const { return m_buildSerial; }
+
     QList<builtStruct> built;
 
 private:
-    /// The macro set of `element`; within a build the last one asked for is remembered, as
-    /// settings don't change while a build runs and one element is asked about in a row.
+    /// The macro set of `element`; within a build the last one asked for is remembered, since
+    /// one element is often asked about several times in a row.
     const QMap<QString, QString> &macroSet(ProjectElement *element, const QString &configuration);
     /// The part of `projectBuild` for one configuration that isn't built yet.
     bool projectBuildConfiguration(ProjectElement *project, const QString &configuration,
@@ -208,8 +212,9 @@ private:
     QSet<QString> m_tmpNames;
     std::unique_ptr<BuildSystemHost> m_host;
     std::unique_ptr<DiskInterface> m_disk;
-    bool m_building = false;
-    bool m_macroSetValid = false;
+    quint64 m_buildSerial = 0;
+    quint64 m_lastBuildSerial = 0;
+    quint64 m_macroSetSerial = 0;
     ProjectElement *m_macroSetElement = nullptr;
     QString m_macroSetConfiguration;
     QMap<QString, QString> m_macroSet;

@@ -249,3 +249,32 @@ TEST_F(PlatformBuild, HostileNestingIsWalkedWithoutRecursion)
     system->findOutputs(project("Deep"), "Debug", outputs, false);
     EXPECT_EQ(outputs, QStringList{"Debug/Deep.elf"});
 }
+
+TEST_F(PlatformBuild, DependenciesAndIncludeFilesForCallersOutsideTheBuild)
+{
+    loadBuilt();
+    projectSystem->setProperty(project("App"), "linker_additional_files", "Common",
+                               "x.a;;/abs/y.o");
+    QStringList list;
+    system->getDependencies(element("a.c"), "Debug", list);
+    EXPECT_EQ(list, (QStringList{at("src/a.c"), at("include/h.h")}));
+    EXPECT_EQ(system->dependencyCache.value(at("Debug/a.o")), list);
+    list.clear();
+    system->getDependencies(project("App"), "Debug", list);
+    EXPECT_EQ(list, (QStringList{at("Debug/a.o"), at("Debug/b.o"), at("Debug/Lib.a"), "x.a",
+                                 "/abs/y.o"}));
+    list.clear();
+    system->getDependencies(project("Lib"), "Debug", list);
+    EXPECT_EQ(list, QStringList{at("Debug/l.o")});
+
+    // As given, then below the user and system include directories, each tried against the
+    // project directory, as it stands and against the file's directory.
+    projectSystem->setProperty(project("App"), "c_user_include_directories", "Common",
+                               "include;other");
+    EXPECT_EQ(system->findIncludeFile(false, at("src/a.c"), element("a.c"), "Debug"),
+              at("src/a.c"));
+    EXPECT_EQ(system->findIncludeFile(true, "h.h", element("a.c"), "Debug"), at("include/h.h"));
+    disk->touch(at("src/other/o.h"), 1);
+    EXPECT_EQ(system->findIncludeFile(true, "o.h", element("a.c"), "Debug"), at("src/other/o.h"));
+    EXPECT_TRUE(system->findIncludeFile(true, "none.h", element("a.c"), "Debug").isNull());
+}
