@@ -256,6 +256,26 @@ bool StandardBuildSystem::useFileForLink(ProjectElement *project, const QString 
     return disk().modified(path).isValid();
 }
 
+void StandardBuildSystem::appendLinkControlFiles(ProjectElement *project,
+                                                 const QString &configuration, QStringList &list,
+                                                 bool placementFirst)
+{
+    QString script;
+    if (useLinkerScriptFileForLink(project, configuration, script)) {
+        list.append(script);
+        return;
+    }
+    QString memoryMap, placement;
+    const bool haveMemoryMap = useMemoryMapFileForLink(project, configuration, memoryMap);
+    const bool havePlacement = useSectionPlacementFileForLink(project, configuration, placement);
+    if (havePlacement && placementFirst)
+        list.append(placement);
+    if (haveMemoryMap)
+        list.append(memoryMap);
+    if (havePlacement && !placementFirst)
+        list.append(placement);
+}
+
 bool StandardBuildSystem::cleanFile(const QString &path, bool quiet, Builder *builder)
 {
     const bool existed = disk().modified(path).isValid();

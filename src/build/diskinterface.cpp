@@ -47,7 +47,9 @@ bool RealDiskInterface::isReadable(const QString &path)
 bool RealDiskInterface::readFile(const QString &path, qint64 maximumSize, QByteArray &contents)
 {
     // Plain system calls: the engine reads thousands of small dependency files in a build.
-    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    // Not blocking, so that a pipe in the place of a file can't stop the build.
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0)
         return false;
     struct stat status;

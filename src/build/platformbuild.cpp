@@ -184,15 +184,7 @@ bool StandardBuildSystem::linkStep(ProjectElement *project, const QString &confi
         exists(buildDirectory, executable, absolute, modified, builder, flags.quiet);
     if (present && !force) {
         QStringList dependencies = inputs;
-        QString script, memoryMap, sectionPlacement;
-        if (useLinkerScriptFileForLink(project, configuration, script)) {
-            dependencies.append(script);
-        } else {
-            if (useMemoryMapFileForLink(project, configuration, memoryMap))
-                dependencies.append(memoryMap);
-            if (useSectionPlacementFileForLink(project, configuration, sectionPlacement))
-                dependencies.append(sectionPlacement);
-        }
+        appendLinkControlFiles(project, configuration, dependencies, false);
         if (upToDate(buildDirectory, executable, modified, dependencies, builder, flags.quiet) &&
             commandUpToDate(project, configuration, modified, ActionLink, builder, flags.quiet) &&
             additionalOutputFileUpToDate(project, configuration, absolute, dependencies, builder,

@@ -65,6 +65,10 @@ public:
     /// Whether `project` holds a linker script of its own, and which, in `path`.
     bool useLinkerScriptFileForLink(ProjectElement *project, const QString &configuration,
                                     QString &path);
+    /// Appends the project's linker script, or else its memory map and section placement files
+    /// (the placement file first if asked), each one the link uses.
+    void appendLinkControlFiles(ProjectElement *project, const QString &configuration,
+                                QStringList &list, bool placementFirst);
     /// Removes `path`, telling the builder of it unless `quiet`; false if it could not.
     bool cleanFile(const QString &path, bool quiet, Builder *builder);
     /// A command line as a list of words: double quotes group words and are dropped.

@@ -226,15 +226,7 @@ void StandardBuildSystem::getDependencies(ProjectElement *element, const QString
             else if (type == QLatin1String("Object file"))
                 findOutputs(project->firstChild(), configuration, dependencies, true);
         }
-        QString path;
-        if (useLinkerScriptFileForLink(element, configuration, path)) {
-            dependencies.append(path);
-        } else {
-            if (useSectionPlacementFileForLink(element, configuration, path))
-                dependencies.append(path);
-            if (useMemoryMapFileForLink(element, configuration, path))
-                dependencies.append(path);
-        }
+        appendLinkControlFiles(element, configuration, dependencies, true);
         dependencies += settingForExpanded(element, linkerAdditionalFilesProperty, configuration)
                             .split(QLatin1Char(';'), Qt::SkipEmptyParts);
     } else if (action == ActionArchive) {

@@ -3,6 +3,8 @@
 
 #include <QFile>
 
+#include <sys/stat.h>
+
 namespace {
 
 class BuiltinCommands : public EngineFixture
@@ -104,6 +106,10 @@ TEST(RealDiskInterface, AsksTheFileSystemOnceUntilToldOtherwise)
     EXPECT_TRUE(disk.readFile(path, 10, contents));
     EXPECT_EQ(contents, "y");
     EXPECT_FALSE(disk.readFile(path, 0, contents));
+    // Only plain files are read: a directory or a pipe with no writer gives nothing at once.
+    EXPECT_FALSE(disk.readFile(scratch.path(), 10, contents));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(scratch.file("pipe.d")).constData(), 0600), 0);
+    EXPECT_FALSE(disk.readFile(scratch.file("pipe.d"), 10, contents));
     EXPECT_TRUE(disk.removeFile(path));
     EXPECT_FALSE(disk.modified(path).isValid());
 }
