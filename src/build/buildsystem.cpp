@@ -200,7 +200,8 @@ int BuildSystem::build(ProjectElement *element, const QString &configuration, Bu
     stopRequested = false;
     errorOccurred = false;
     built.clear();
-    // Files may have changed since the last build, and settings only between builds.
+    // Files may change between builds, and settings only between builds: what one build
+    // learnt of either is forgotten when it ends.
     m_disk->invalidateAll();
     struct BuildScope
     {
@@ -213,6 +214,7 @@ int BuildSystem::build(ProjectElement *element, const QString &configuration, Bu
         {
             system->m_buildSerial = 0;
             system->m_macroSet.clear();
+            system->m_disk->invalidateAll();
         }
     } scope(this);
     m_inProgress.clear();
