@@ -119,6 +119,9 @@ private:
     void makeTargetClasses();
     void makeLinkerClasses();
 
+    /// The version an `arm_architecture` value names ("4T", "5T", "5TE", "7M"), or a null
+    /// string for an unknown one.
+    static QString architectureVersion(const QString &architecture);
     /// The `LibExt` suffix of `project`.
     QString libraryExtension(ProjectElement *project, const QString &configuration);
     /// The setting of `element`, as the project system resolves it.
@@ -129,15 +132,22 @@ private:
     void addGroupDefinitions(ProjectElement *element, const QString &configuration,
                              QStringList &command);
 
-    void compileCommands(ProjectElement *element, const QString &configuration, BuildAction action,
-                         const QString &output, const QString &absoluteOutput,
-                         const QString &source, const QString &toolRoot, Builder *builder);
-    void assembleCommands(ProjectElement *element, const QString &configuration,
-                          const QString &output, const QString &absoluteOutput,
-                          const QString &source, const QString &toolRoot, Builder *builder);
-    /// The object copier step that ends a compile or assembly, then the end of its group.
-    void finishObject(ProjectElement *element, const QString &configuration, const QString &output,
-                      const QString &toolRoot, Builder *builder);
+    /// What the commands that make one object file share.
+    struct ObjectJob
+    {
+        ProjectElement *element;
+        QString configuration;
+        QString output; ///< as the settings name it; the commands run in the project directory
+        QString absoluteOutput;
+        QString toolRoot;
+        Builder *builder;
+    };
+    void compileCommands(const ObjectJob &job, BuildAction action, const QString &source);
+    void assembleCommands(const ObjectJob &job, const QString &source);
+    /// Assembles `input` into the object, `trailingOptions` last; removes `input` if it is
+    /// `scratch`; then, unless a command failed, renames sections and ends the group.
+    void assembleObject(const ObjectJob &job, const QString &input,
+                        const QStringList &trailingOptions, bool scratch);
     void archiveCommands(ProjectElement *element, const QString &output,
                          const QString &absoluteOutput, const QStringList &inputs,
                          const QString &projectDirectory, const QString &toolRoot,

@@ -21,17 +21,14 @@ void ARMBuildSystem::createCommandFor(ProjectElement *element, const QString &co
     builder->init();
     builder->setDirectory(projectDirectory);
 
+    const ObjectJob job{element, configuration, output, absoluteOutput, toolRoot, builder};
     switch (action) {
     case ActionCompileC:
     case ActionCompileCpp:
-        compileCommands(element, configuration, action, output, absoluteOutput,
-                        absoluteProjectFilePath(inputs.value(0), projectDirectory), toolRoot,
-                        builder);
+        compileCommands(job, action, absoluteProjectFilePath(inputs.value(0), projectDirectory));
         break;
     case ActionAssemble:
-        assembleCommands(element, configuration, output, absoluteOutput,
-                         absoluteProjectFilePath(inputs.value(0), projectDirectory), toolRoot,
-                         builder);
+        assembleCommands(job, absoluteProjectFilePath(inputs.value(0), projectDirectory));
         break;
     case ActionLink:
         linkCommands(element, configuration, output, absoluteOutput, inputs, projectDirectory,

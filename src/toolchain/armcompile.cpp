@@ -26,20 +26,6 @@ QString optimizationOption(const QString &level)
     return QStringLiteral("-Os");
 }
 
-/// The predefinition that names `architecture`, or a null string.
-QString architectureDefinition(const QString &architecture)
-{
-    if (architecture == QLatin1String("v4T") || architecture == QLatin1String("ARM4T"))
-        return QStringLiteral("-D__ARM_ARCH_4T__");
-    if (architecture == QLatin1String("v5T"))
-        return QStringLiteral("-D__ARM_ARCH_5T__");
-    if (architecture == QLatin1String("v5TE"))
-        return QStringLiteral("-D__ARM_ARCH_5TE__");
-    if (architecture == QLatin1String("v7M"))
-        return QStringLiteral("-D__ARM_ARCH_7M__");
-    return QString();
-}
-
 /// `options` split into arguments, if there are any.
 void appendOptions(QStringList &command, const QString &options)
 {
@@ -55,13 +41,13 @@ QString nameOf(const ProjectElement *element)
 
 } // namespace
 
-void ARMBuildSystem::compileCommands(ProjectElement *element, const QString &configuration,
-                                     BuildAction action, const QString &output,
-                                     const QString &absoluteOutput, const QString &source,
-                                     const QString &toolRoot, Builder *builder)
+void ARMBuildSystem::compileCommands(const ObjectJob &job, BuildAction action,
+                                     const QString &source)
 {
+    ProjectElement *element = job.element;
+    const QString &configuration = job.configuration;
     const bool cpp = action == ActionCompileCpp;
-    QStringList command{toolRoot + (cpp ? QStringLiteral("/cc1plus") : QStringLiteral("/cc1"))};
+    QStringList command{job.toolRoot + (cpp ? QStringLiteral("/cc1plus") : QStringLiteral("/cc1"))};
     if (cpp) {
         if (setting(element, cppEnableExceptionsProperty, configuration) == QLatin1String("No"))
             command << QStringLiteral("-fno-exceptions");
@@ -70,7 +56,7 @@ void ARMBuildSystem::compileCommands(ProjectElement *element, const QString &con
     }
     command << QStringLiteral("-fmessage-length=0");
     addARMOptions(element, configuration, command, false);
-    addPreprocessorOptions(element, configuration, output, command);
+    addPreprocessorOptions(element, configuration, job.output, command);
     if (isOn(element, buildDebugInformationProperty, configuration))
         command << QStringLiteral("-gdwarf-2");
     if (isOn(element, cEnforceAnsiCheckingProperty, configuration))
@@ -89,91 +75,81 @@ void ARMBuildSystem::compileCommands(ProjectElement *element, const QString &con
         command << QStringLiteral("-ffunction-sections");
 
     const bool keepAssembly = isOn(element, armKeepAssemblyProperty, configuration);
-    const QString assembly = keepAssembly
-                                 ? QFileInfo(absoluteOutput).absolutePath() + QLatin1Char('/') +
-                                       QFileInfo(output).completeBaseName() + QStringLiteral(".asm")
-                                 : createTmpFile(element, configuration);
+    const QString assembly =
+        keepAssembly ? QFileInfo(job.absoluteOutput).absolutePath() + QLatin1Char('/') +
+                           QFileInfo(job.output).completeBaseName() + QStringLiteral(".asm")
+                     : createTmpFile(element, configuration);
     command << source << QStringLiteral("-o") << assembly;
 
-    builder->beginGroup(element, QStringLiteral("Compiling ") + nameOf(element), false);
-    builder->setCommand(command);
+    job.builder->beginGroup(element, QStringLiteral("Compiling ") + nameOf(element), false);
+    job.builder->setCommand(command);
     if (keepAssembly)
-        builder->setOutputFiles({assembly});
-    builder->setTemporaryFiles({assembly});
-    builder->doit();
+        job.builder->setOutputFiles({assembly});
+    job.builder->setTemporaryFiles({assembly});
+    job.builder->doit();
     if (mustStop())
         return;
 
     if (longCalls && isOn(element, armModuleCallViasProperty, configuration) &&
         setting(element, armInstructionSetProperty, configuration) == QLatin1String("Thumb"))
         workaroundCallViaBug(assembly);
-
-    command = {toolRoot + QStringLiteral("/as")};
-    addAssemblerOptions(element, configuration, assembly, output, command);
-    builder->setCommand(command);
-    builder->setOutputFiles({absoluteOutput});
-    builder->setTemporaryFiles({});
-    builder->doit();
-    // The scratch assembly goes even when the assembler failed on it.
-    if (!keepAssembly) {
-        builder->setCommand({QStringLiteral("rm"), assembly});
-        builder->setOutputFiles({});
-        builder->doit();
-    }
-    if (mustStop())
-        return;
-    finishObject(element, configuration, output, toolRoot, builder);
+    assembleObject(job, assembly, {}, !keepAssembly);
 }
 
-void ARMBuildSystem::assembleCommands(ProjectElement *element, const QString &configuration,
-                                      const QString &output, const QString &absoluteOutput,
-                                      const QString &source, const QString &toolRoot,
-                                      Builder *builder)
+void ARMBuildSystem::assembleCommands(const ObjectJob &job, const QString &source)
 {
+    ProjectElement *element = job.element;
+    const QString &configuration = job.configuration;
     const bool debug = isOn(element, buildDebugInformationProperty, configuration);
     const QString preprocessed = createTmpFile(element, configuration);
-    QStringList command{toolRoot + QStringLiteral("/cc1"), QStringLiteral("-E")};
+    QStringList command{job.toolRoot + QStringLiteral("/cc1"), QStringLiteral("-E")};
     if (!debug)
         command << QStringLiteral("-P");
     addARMOptions(element, configuration, command, false);
-    addPreprocessorOptions(element, configuration, output, command);
+    addPreprocessorOptions(element, configuration, job.output, command);
     command << QStringLiteral("-lang-asm") << source << QStringLiteral("-o") << preprocessed;
 
-    builder->beginGroup(element, QStringLiteral("Assembling ") + nameOf(element), false);
-    builder->setCommand(command);
-    builder->setTemporaryFiles({preprocessed});
-    builder->doit();
+    job.builder->beginGroup(element, QStringLiteral("Assembling ") + nameOf(element), false);
+    job.builder->setCommand(command);
+    job.builder->setTemporaryFiles({preprocessed});
+    job.builder->doit();
 
-    command = {toolRoot + QStringLiteral("/as")};
-    addAssemblerOptions(element, configuration, preprocessed, output, command);
+    // The assembler runs on whatever the preprocessor left.
+    QStringList debugOptions;
     if (debug)
-        command << QStringLiteral("--gdwarf2");
+        debugOptions << QStringLiteral("--gdwarf2");
     if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
-        command << QStringLiteral("--fatal-warnings");
-    builder->setCommand(command);
-    builder->setOutputFiles({absoluteOutput});
-    builder->setTemporaryFiles({});
-    builder->doit();
-
-    builder->setCommand({QStringLiteral("rm"), preprocessed});
-    builder->setOutputFiles({});
-    builder->doit();
-    if (mustStop())
-        return;
-    finishObject(element, configuration, output, toolRoot, builder);
+        debugOptions << QStringLiteral("--fatal-warnings");
+    assembleObject(job, preprocessed, debugOptions, true);
 }
 
-void ARMBuildSystem::finishObject(ProjectElement *element, const QString &configuration,
-                                  const QString &output, const QString &toolRoot, Builder *builder)
+void ARMBuildSystem::assembleObject(const ObjectJob &job, const QString &input,
+                                    const QStringList &trailingOptions, bool scratch)
 {
-    QStringList command;
-    addSectionRenaming(element, configuration, output, toolRoot, command);
-    if (!command.isEmpty()) {
-        builder->setCommand(command);
-        builder->setOutputFiles({});
-        builder->doit();
+    QStringList command{job.toolRoot + QStringLiteral("/as")};
+    addAssemblerOptions(job.element, job.configuration, input, job.output, command);
+    command << trailingOptions;
+    job.builder->setCommand(command);
+    job.builder->setOutputFiles({job.absoluteOutput});
+    job.builder->setTemporaryFiles({});
+    job.builder->doit();
+    // A scratch input goes even when the assembler failed on it.
+    if (scratch) {
+        job.builder->setCommand({QStringLiteral("rm"), input});
+        job.builder->setOutputFiles({});
+        job.builder->doit();
     }
-    builder->endGroup(element);
+    if (mustStop())
+        return;
+
+    command.clear();
+    addSectionRenaming(job.element, job.configuration, job.output, job.toolRoot, command);
+    if (!command.isEmpty()) {
+        job.builder->setCommand(command);
+        job.builder->setOutputFiles({});
+        job.builder->doit();
+    }
+    job.builder->endGroup(job.element);
 }
 
 void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QString &configuration,
@@ -191,10 +167,10 @@ void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QStri
     if (isOn(element, cUndefineAllPreprocessorDefinitionsProperty, configuration)) {
         command << QStringLiteral("-undef");
     } else {
-        const QString architecture =
-            architectureDefinition(setting(element, armArchitectureProperty, configuration));
-        if (!architecture.isEmpty())
-            command << architecture;
+        const QString version =
+            architectureVersion(setting(element, armArchitectureProperty, configuration));
+        if (!version.isEmpty())
+            command << QStringLiteral("-D__ARM_ARCH_") + version + QStringLiteral("__");
         command << QStringLiteral("-D__HALDEN_ARM");
         addGroupDefinitions(element, configuration, command);
     }

@@ -7,12 +7,6 @@
 
 namespace {
 
-/// Whether `architecture` names version 4T; older project files say "ARM4T".
-bool isV4T(const QString &architecture)
-{
-    return architecture == QLatin1String("v4T") || architecture == QLatin1String("ARM4T");
-}
-
 /// The `LoaderType` macro of a flash loader type.
 QString loaderType(const QString &flashLoaderType)
 {
@@ -33,20 +27,6 @@ QString integerLevelVariant(const QString &level)
         return QStringLiteral("long");
     if (level == QLatin1String("long long"))
         return QStringLiteral("long_long");
-    return QString();
-}
-
-/// The compiler's option for `architecture`, or a null string.
-QString architectureOption(const QString &architecture)
-{
-    if (isV4T(architecture))
-        return QStringLiteral("-march=armv4t");
-    if (architecture == QLatin1String("v5T"))
-        return QStringLiteral("-march=armv5t");
-    if (architecture == QLatin1String("v5TE"))
-        return QStringLiteral("-march=armv5te");
-    if (architecture == QLatin1String("v7M"))
-        return QStringLiteral("-march=armv7m");
     return QString();
 }
 
@@ -73,6 +53,17 @@ bool generateFPUOption()
 
 } // namespace
 
+QString ARMBuildSystem::architectureVersion(const QString &architecture)
+{
+    // Older project files say "ARM4T".
+    if (architecture == QLatin1String("v4T") || architecture == QLatin1String("ARM4T"))
+        return QStringLiteral("4T");
+    if (architecture == QLatin1String("v5T") || architecture == QLatin1String("v5TE") ||
+        architecture == QLatin1String("v7M"))
+        return architecture.mid(1);
+    return QString();
+}
+
 QString ARMBuildSystem::setting(ProjectElement *element, const PropertyClass *propertyClass,
                                 const QString &configuration) const
 {
@@ -93,14 +84,14 @@ QMap<QString, QString> ARMBuildSystem::macros(ProjectElement *element, const QSt
 QString ARMBuildSystem::libraryExtension(ProjectElement *project, const QString &configuration)
 {
     QString extension = QStringLiteral("_");
-    const QString architecture = setting(project, armArchitectureProperty, configuration);
-    if (isV4T(architecture) || architecture == QLatin1String("v5T"))
+    const QString version =
+        architectureVersion(setting(project, armArchitectureProperty, configuration));
+    // Version 5T uses the libraries of 4T.
+    if (version == QLatin1String("4T") || version == QLatin1String("5T"))
         extension += isOn(project, armInterworkProperty, configuration) ? QLatin1String("v4t")
                                                                         : QLatin1String("v4");
-    else if (architecture == QLatin1String("v5TE"))
-        extension += QLatin1String("v5te");
-    else if (architecture == QLatin1String("v7M"))
-        extension += QLatin1String("v7m");
+    else if (!version.isEmpty())
+        extension += QLatin1Char('v') + version.toLower();
 
     if (setting(project, armFpAbiProperty, configuration) == QLatin1String("SoftFP"))
         extension += QLatin1String("_vfp");
@@ -155,10 +146,10 @@ void ARMBuildSystem::addARMOptions(ProjectElement *element, const QString &confi
     if (core != QLatin1String("none") && !generate_1_5_commandLine) {
         command << QStringLiteral("-mcpu=") + core;
     } else {
-        const QString option =
-            architectureOption(setting(element, armArchitectureProperty, configuration));
-        if (!option.isEmpty())
-            command << option;
+        const QString version =
+            architectureVersion(setting(element, armArchitectureProperty, configuration));
+        if (!version.isEmpty())
+            command << QStringLiteral("-march=armv") + version.toLower();
     }
 
     const QString instructionSet = setting(element, armInstructionSetProperty, configuration);
