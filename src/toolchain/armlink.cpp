@@ -3,6 +3,7 @@
 #include "build/diskinterface.h"
 #include "frontend/builder.h"
 #include "macros/macrosystem.h"
+#include "memorymap/linkerscriptgenerator.h"
 #include "project/projectsystem.h"
 
 #include <QFileInfo>
@@ -104,11 +105,18 @@ bool ARMBuildSystem::linkerScript(ProjectElement *project, const QString &config
         builder->error(QStringLiteral("memory map file does not exist: ") + memoryMap);
         return false;
     }
-    Q_UNUSED(output);
-    Q_UNUSED(projectDirectory);
-    Q_UNUSED(clean);
+    QString sectionPlacement;
+    if (!useSectionPlacementFileForLink(project, configuration, sectionPlacement))
+        sectionPlacement = QString();
+    try {
+        script = generateLinkerScript(project, configuration, output, projectDirectory,
+                                      memoryMap, sectionPlacement, builder, clean);
+    } catch (const QString &text) {
+        builder->error(text);
+        return false;
+    }
     generated = true;
-    return false;
+    return true;
 }
 
 void ARMBuildSystem::linkCommands(ProjectElement *project, const QString &configuration,
