@@ -1,0 +1,195 @@
+#include "memorymaptesting.h"
+
+namespace {
+
+const MemoryMapElement *named(const MemoryMap &map, const char *name)
+{
+    for (const MemoryMapElement *element : map.getAllElements())
+        if (element->name() == QLatin1String(name))
+            return element;
+    return nullptr;
+}
+
+} // namespace
+
+TEST(MemoryMapElementTest, TagsGiveTypes)
+{
+    const char *const tags[] = {"MemorySegment", "Register", "ProgramSection", "Root",
+                                "RegisterGroup", "BitField", "Enum",           "Processor"};
+    for (int type = 0; type < 8; ++type) {
+        EXPECT_EQ(MemoryMapElement::elementTypeOf(tags[type]), type);
+        EXPECT_STREQ(MemoryMapElement::elementTypeAsString(MemoryMapElement::ElementType(type)),
+                     tags[type]);
+    }
+    EXPECT_EQ(MemoryMapElement::elementTypeOf("Import"), MemoryMapElement::Unsupported);
+    EXPECT_EQ(MemoryMapElement::elementTypeOf("memorysegment"), MemoryMapElement::Unsupported);
+    EXPECT_STREQ(MemoryMapElement::elementTypeAsString(MemoryMapElement::Unsupported),
+                 "Unsupported");
+
+    MemoryMapElement made(MemoryMapElement::ProgramSection);
+    EXPECT_STREQ(made.tagName(), "ProgramSection");
+    EXPECT_EQ(made.getElementType(), MemoryMapElement::ProgramSection);
+}
+
+TEST(MemoryMapElementTest, AddressForms)
+{
+    auto map =
+        mapFrom(memoryMapXml("<MemorySegment name=\"SEG\" start=\"0x1000\" size=\"0x1000\">\n"
+                             "  <ProgramSection name=\"offset\" start=\"+0x100\"/>\n"
+                             "  <ProgramSection name=\"sum\" start=\"0x20+0x3\"/>\n"
+                             "  <ProgramSection name=\"octal\" start=\"010\"/>\n"
+                             "  <ProgramSection name=\"binary\" start=\"0b101\"/>\n"
+                             "  <ProgramSection name=\"empty\" start=\"\"/>\n"
+                             "  <ProgramSection name=\"nested\" start=\"+0x10\">\n"
+                             "    <ProgramSection name=\"inner\" start=\"+1\"/>\n"
+                             "  </ProgramSection>\n"
+                             "  <RegisterGroup name=\"group\" start=\"+0x200\">\n"
+                             "    <Register name=\"reg\" start=\"+4\">\n"
+                             "      <BitField name=\"field\" start=\"+3\"/>\n"
+                             "      <Register name=\"sub\" start=\"+8\"/>\n"
+                             "    </Register>\n"
+                             "  </RegisterGroup>\n"
+                             "  <Processor name=\"unresolved\" start=\"0x55\"/>\n"
+                             "  <MemorySegment name=\"nostart\">\n"
+                             "    <ProgramSection name=\"inherits\" start=\"+2\"/>\n"
+                             "  </MemorySegment>\n"
+                             "</MemorySegment>\n"
+                             "<MemorySegment name=\"top\" start=\"0xfffffff0+0x20\"/>\n"));
+    ASSERT_TRUE(map);
+    EXPECT_EQ(named(*map, "SEG")->address(), 0x1000u);
+    EXPECT_EQ(named(*map, "offset")->address(), 0x1100u);
+    EXPECT_EQ(named(*map, "sum")->address(), 0x23u); // the segment's address takes no part
+    EXPECT_EQ(named(*map, "octal")->address(), 8u);
+    EXPECT_EQ(named(*map, "binary")->address(), 5u);
+    EXPECT_EQ(named(*map, "empty")->address(), 0u);
+    EXPECT_EQ(named(*map, "inner")->address(), 0x1011u);
+    EXPECT_EQ(named(*map, "reg")->address(), 0x1204u);
+    // A register is no base for what it holds; fields count from 0.
+    EXPECT_EQ(named(*map, "sub")->address(), 0x1208u);
+    EXPECT_EQ(named(*map, "field")->address(), 3u);
+    EXPECT_EQ(named(*map, "unresolved")->address(), 0u);
+    EXPECT_EQ(named(*map, "inherits")->address(), 0x1002u);
+    EXPECT_EQ(named(*map, "top")->address(), 0x10u); // kept in 32 bits
+}
+
+TEST(MemoryMapElementTest, AttributesAndPresence)
+{
+    auto map = mapFrom(memoryMapXml(
+        "<MemorySegment name=\"A B\" start=\"\" size=\"\" access=\"ReadOnly\">\n"
+        "  <ProgramSection name=\"plain\"/>\n"
+        "  <ProgramSection name=\"full\" start=\"4\" size=\"__HEAPSIZE__\" alignment=\"0x10\""
+        " runin=\"\" load=\"Yes\" inputsections=\"*(.x .y)\" address_symbol=\"\""
+        " size_symbol=\"s\"/>\n"
+        "  <ProgramSection name=\"lower\" load=\"yes\" inputsections=\"\"/>\n"
+        "</MemorySegment>\n"
+        "<MemorySegment name=\"W\" access=\"WriteOnly\"/><MemorySegment name=\"N\""
+        " access=\"None\"/>\n"));
+    ASSERT_TRUE(map);
+    const MemoryMapElement *segment = named(*map, "A B");
+    EXPECT_FALSE(segment->hasAddress());
+    EXPECT_FALSE(segment->hasSize());
+    EXPECT_TRUE(segment->hasAccessType());
+    EXPECT_TRUE(segment->isReadOnly());
+    EXPECT_FALSE(segment->isWriteOnly());
+    EXPECT_TRUE(named(*map, "W")->isWriteOnly());
+    EXPECT_TRUE(named(*map, "N")->isNone());
+
+    const MemoryMapElement *plain = named(*map, "plain");
+    EXPECT_FALSE(plain->hasRunIn());
+    EXPECT_FALSE(plain->hasLoad());
+    EXPECT_FALSE(plain->load());
+    EXPECT_EQ(plain->alignment(), 0u);
+    EXPECT_TRUE(plain->runIn().isNull());
+
+    const MemoryMapElement *full = named(*map, "full");
+    EXPECT_TRUE(full->hasRunIn()); // present though empty
+    EXPECT_TRUE(full->hasAddressSymbol());
+    EXPECT_TRUE(full->hasAlignment());
+    EXPECT_EQ(full->alignment(), 16u);
+    EXPECT_TRUE(full->load());
+    EXPECT_TRUE(full->hasInputSections());
+    EXPECT_EQ(full->inputSections(), "*(.x .y)");
+    EXPECT_EQ(full->sizeAsString(), "__HEAPSIZE__");
+    EXPECT_EQ(full->sizeSymbol(), "s");
+
+    const MemoryMapElement *lower = named(*map, "lower");
+    EXPECT_TRUE(lower->hasLoad());
+    EXPECT_FALSE(lower->load());
+    EXPECT_FALSE(lower->hasInputSections());
+    EXPECT_LT(named(*map, "A B")->cmp(*full), 0);
+    EXPECT_GT(full->cmp(*plain), 0);
+}
+
+TEST(MemoryMapElementTest, Setters)
+{
+    auto map = mapFrom(memoryMapXml("<MemorySegment name=\"S\" start=\"0x100\">\n"
+                                    "  <ProgramSection name=\"x\" alignment=\"4\"/>\n"
+                                    "</MemorySegment>\n"));
+    ASSERT_TRUE(map);
+    auto *section =
+        map->getNamedElementOfType(map->getRoot(), "x", MemoryMapElement::ProgramSection);
+    ASSERT_TRUE(section);
+
+    section->setAddress(0x1fu);
+    EXPECT_EQ(section->addressAsString(), "0x1f");
+    EXPECT_EQ(section->address(), 0x1fu);
+    section->setAddress(QStringLiteral("+0x10"));
+    EXPECT_EQ(section->address(), 0x110u); // against the parent
+    section->setAddress(QString());
+    EXPECT_FALSE(section->hasAttribute("start"));
+    EXPECT_EQ(section->address(), 0u);
+
+    section->setSize(QStringLiteral("32"));
+    EXPECT_EQ(section->sizeAsString(), "0x20");
+    section->setSize(QStringLiteral("__STACKSIZE__"));
+    EXPECT_EQ(section->sizeAsString(), "__STACKSIZE__");
+    section->setSize(QString());
+    EXPECT_FALSE(section->hasAttribute("size"));
+
+    section->setAlignment(QStringLiteral("0b1000"));
+    EXPECT_EQ(section->alignmentAsString(), "0x8");
+    section->setAlignment(QString());
+    EXPECT_FALSE(section->hasAttribute("alignment"));
+
+    section->setRunIn(QStringLiteral(".run"));
+    EXPECT_EQ(section->runIn(), ".run");
+    section->setRunIn(QString());
+    EXPECT_FALSE(section->hasRunIn());
+    section->setAddressSymbol(QStringLiteral("sym"));
+    section->setSizeSymbol(QString());
+    EXPECT_EQ(section->addressSymbol(), "sym");
+    EXPECT_FALSE(section->hasSizeSymbol());
+    section->setLoad(true);
+    EXPECT_EQ(section->loadAsString(), "Yes");
+    section->setLoad(false);
+    EXPECT_EQ(section->loadAsString(), "No");
+    section->setAttribute(QStringLiteral("custom"), QStringLiteral("v"));
+    EXPECT_EQ(section->attributeText("custom"), "v");
+
+    section->clearLinks();
+    EXPECT_EQ(section->parent, nullptr);
+    EXPECT_EQ(section->nextSibling, nullptr);
+}
+
+TEST(MemoryMapElementTest, RegisterSizesAndExpressions)
+{
+    auto map = mapFrom(
+        memoryMapXml("<Register name=\"r\" start=\"0x40\" register_type=\"unsigned short\">\n"
+                     "  <BitField name=\"lo\" start=\"0\" size=\"4\"/>\n"
+                     "  <BitField name=\"hi\" start=\"4\" register_type=\"char\"/>\n"
+                     "</Register>\n"
+                     "<Register name=\"sym\" start=\"@pc\" size=\"4\"/>\n"
+                     "<Register name=\"int\" register_type=\"int\"/>\n"
+                     "<Register name=\"float\" register_type=\"float\"/>\n"
+                     "<Register name=\"byte\" register_type=\"signed char\" size=\"2\"/>\n"
+                     "<Register name=\"none\"/>\n"));
+    ASSERT_TRUE(map);
+    EXPECT_EQ(named(*map, "r")->size(), 2u);
+    EXPECT_EQ(named(*map, "int")->size(), 0u);
+    EXPECT_EQ(named(*map, "float")->size(), 4u);
+    EXPECT_EQ(named(*map, "hi")->size(), 8u);   // a type of no known width
+    EXPECT_EQ(named(*map, "byte")->size(), 2u); // "size" wins over the type
+    EXPECT_EQ(named(*map, "none")->size(), 0u);
+    EXPECT_EQ(named(*map, "r")->getRegisterExpression(), "*(register 2 lo 0 4 hi 4 8;*)0x40");
+    EXPECT_EQ(named(*map, "sym")->getRegisterExpression(), "(register 4;)@pc");
+}
