@@ -100,6 +100,12 @@ bool MemoryMap::load(const QString &file, const QString &preprocessorArgument, b
 
 MemoryMapElement *MemoryMap::load1(const QString &path, QString *failure)
 {
+    // A directory or device would be read as a file of unknown size; only files are maps.
+    if (!QFileInfo(path).isFile()) {
+        if (failure)
+            *failure = path + QStringLiteral(": no such file");
+        return nullptr;
+    }
     XMLNode *previousRoot = root;
     const bool previousReadOnly = readOnly;
     readOnly = !QFileInfo(path).isWritable();

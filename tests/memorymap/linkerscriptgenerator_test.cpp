@@ -1,12 +1,12 @@
 #include "memorymaptesting.h"
 
 #include "build/diskinterface.h"
-#include "frontend/builder.h"
 #include "macros/macrosystem.h"
 #include "memorymap/linkerscriptgenerator.h"
 #include "memorymap/memorymapopenfiles.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
+#include "project/projecttesting.h"
 #include "settings/armtarnbenchenvironmentsettings.h"
 #include "settings/isolatedsettingsstore.h"
 #include "toolchain/armbuildsystem.h"
@@ -15,25 +15,6 @@
 #include <QStandardPaths>
 
 namespace {
-
-/// A builder that keeps the messages it is given.
-class MessageBuilder : public Builder
-{
-public:
-    void beginGroup(ProjectElement *, const QString &, bool) override {}
-    void endGroup(ProjectElement *) override {}
-    void init() override {}
-    void setDirectory(const QString &) override {}
-    void setCommand(const QStringList &) override {}
-    void setEnvironment(const QStringList &) override {}
-    void setOutputFiles(const QStringList &) override {}
-    void setTemporaryFiles(const QStringList &) override {}
-    void doit() override {}
-    void error(const QString &text) override { messages << QStringLiteral("error: ") + text; }
-    void message(const QString &text) override { messages << text; }
-
-    QStringList messages;
-};
 
 const QByteArray workedExampleMap = memoryMapXml(
     "<MemorySegment name=\"FLASH\" start=\"0x00000000\" size=\"0x10000\" access=\"ReadOnly\"/>\n"
@@ -226,7 +207,7 @@ protected:
     ARMProjectSystem projects;
     std::unique_ptr<ARMBuildSystem> system;
     ScratchDir scratch;
-    MessageBuilder builder;
+    RecordingBuilder builder;
     ProjectElement *app = nullptr;
     QString mapPath;
     QString placementPath;
