@@ -172,3 +172,29 @@ TEST_F(ARMTest, ArchiveReplacesTheLibrary)
     run(app, ActionArchive, {}, "Debug/App.a", {"Debug/a.o"});
     EXPECT_TRUE(events().endsWith("doit"));
 }
+
+TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMap)
+{
+    set(linkerScriptFile, {{"build_exclude_from_build", "Yes"}});
+    const QString map = scratch.write("app/map.xml", "not a memory map");
+    run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(builder.errors, QStringList{"cannot load memory map file: " + map});
+    EXPECT_EQ(events(), "init\ndir @");
+
+    scratch.write("app/map.xml", "<!DOCTYPE Board_Memory_Definition_File>\n"
+                                 "<Root name=\"Board\">\n"
+                                 "  <MemorySegment name=\"FLASH\" start=\"0\" size=\"0x10000\""
+                                 " access=\"ReadOnly\">\n"
+                                 "    <ProgramSection name=\".text\" load=\"Yes\"/>\n"
+                                 "  </MemorySegment>\n"
+                                 "</Root>\n");
+    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(builder.errors, QStringList());
+    EXPECT_TRUE(builder.messages.contains("Generating linker script"));
+    EXPECT_EQ(builder.commands.value(0).section(' ', 7, 7), expand("-T@/Debug/App.ld"));
+    // The script is one of the link's outputs, named after the map file's.
+    EXPECT_TRUE(events().contains("doit\noutputs @/Debug/App.map\noutputs @/Debug/App.ld\n"
+                                  "command /tc/objcopy"))
+        << events().toStdString();
+    EXPECT_TRUE(QFile::exists(scratch.file("app/Debug/App.ld")));
+}
