@@ -73,7 +73,7 @@ QString ARMBuildSystem::setting(ProjectElement *element, const PropertyClass *pr
 QMap<QString, QString> ARMBuildSystem::macros(ProjectElement *element, const QString &configuration)
 {
     QMap<QString, QString> map = BuildSystem::macros(element, configuration);
-    if (element->type() != ProjectElement::Project)
+    if (!element || element->type() != ProjectElement::Project)
         return map;
     map.insert(QStringLiteral("LibExt"), libraryExtension(element, configuration));
     map.insert(QStringLiteral("LoaderType"),

@@ -63,6 +63,7 @@ TEST_F(ARMTest, LibraryExtensionOfEachTargetCombination)
     EXPECT_FALSE(fileMacros.contains("LibExt"));
     EXPECT_FALSE(fileMacros.contains("LoaderType"));
     EXPECT_EQ(fileMacros.value("InputName"), "main");
+    EXPECT_FALSE(system->macros(nullptr, debug).contains("LibExt"));
 }
 
 TEST_F(ARMTest, LoaderTypeOfEachFlashLoader)
