@@ -79,10 +79,5 @@ bool ARMBuildSystem::commandUpToDate(ProjectElement *element, const QString &con
     default:
         break;
     }
-    for (const PropertyClass *propertyClass : std::as_const(properties)) {
-        if (!projectSystem->upToDate(element, propertyClass, configuration, targetModified, builder,
-                                     quiet))
-            return false;
-    }
-    return true;
+    return propertiesUpToDate(element, configuration, targetModified, properties, builder, quiet);
 }

@@ -12,20 +12,6 @@
 
 namespace {
 
-/// The compiler's option for an optimisation level; anything unknown optimises for size.
-QString optimizationOption(const QString &level)
-{
-    if (level == QLatin1String("None"))
-        return QString();
-    if (level == QLatin1String("Level 1"))
-        return QStringLiteral("-O1");
-    if (level == QLatin1String("Level 2"))
-        return QStringLiteral("-O2");
-    if (level == QLatin1String("Level 3"))
-        return QStringLiteral("-O3");
-    return QStringLiteral("-Os");
-}
-
 /// `options` split into arguments, if there are any.
 void appendOptions(QStringList &command, const QString &options)
 {

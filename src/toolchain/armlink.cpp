@@ -10,16 +10,6 @@
 
 namespace {
 
-/// The object copier's option that selects `format`.
-QString objcopyFormatOption(const QString &format)
-{
-    if (format == QLatin1String("bin"))
-        return QStringLiteral("-Obinary");
-    if (format == QLatin1String("hex"))
-        return QStringLiteral("-Oihex");
-    return QStringLiteral("-O") + format;
-}
-
 /// `output` with its last extension replaced by `extension`, in `directory`.
 QString besideOutput(const QString &directory, const QString &output, const QString &extension)
 {

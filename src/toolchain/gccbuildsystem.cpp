@@ -10,34 +10,6 @@
 
 #include <QFileInfo>
 
-namespace {
-
-/// The driver option of an optimisation level; anything unknown optimises for size.
-QString optimizationOption(const QString &level)
-{
-    if (level == QLatin1String("None"))
-        return QString();
-    if (level == QLatin1String("Level 1"))
-        return QStringLiteral("-O1");
-    if (level == QLatin1String("Level 2"))
-        return QStringLiteral("-O2");
-    if (level == QLatin1String("Level 3"))
-        return QStringLiteral("-O3");
-    return QStringLiteral("-Os");
-}
-
-/// The object copier's option that selects `format`.
-QString objcopyFormatOption(const QString &format)
-{
-    if (format == QLatin1String("bin"))
-        return QStringLiteral("-Obinary");
-    if (format == QLatin1String("hex"))
-        return QStringLiteral("-Oihex");
-    return QStringLiteral("-O") + format;
-}
-
-} // namespace
-
 GCCBuildSystem::GCCBuildSystem(const QStringList &args, const char *toolPrefix,
                                const char *defaultToolChainRoot, bool linkerStartGroup)
     : StandardBuildSystem(args), toolPrefix(QString::fromLatin1(toolPrefix)),
@@ -260,7 +232,37 @@ bool GCCBuildSystem::commandUpToDate(ProjectElement *element, const QString &con
     default:
         break;
     }
-    for (const PropertyClass *propertyClass : std::as_const(properties)) {
+    return propertiesUpToDate(element, configuration, targetModified, properties, builder, quiet);
+}
+
+QString GCCBuildSystem::optimizationOption(const QString &level)
+{
+    if (level == QLatin1String("None"))
+        return QString();
+    if (level == QLatin1String("Level 1"))
+        return QStringLiteral("-O1");
+    if (level == QLatin1String("Level 2"))
+        return QStringLiteral("-O2");
+    if (level == QLatin1String("Level 3"))
+        return QStringLiteral("-O3");
+    return QStringLiteral("-Os");
+}
+
+QString GCCBuildSystem::objcopyFormatOption(const QString &format)
+{
+    if (format == QLatin1String("bin"))
+        return QStringLiteral("-Obinary");
+    if (format == QLatin1String("hex"))
+        return QStringLiteral("-Oihex");
+    return QStringLiteral("-O") + format;
+}
+
+bool GCCBuildSystem::propertiesUpToDate(ProjectElement *element, const QString &configuration,
+                                        const QDateTime &targetModified,
+                                        const QList<const PropertyClass *> &properties,
+                                        Builder *builder, bool quiet)
+{
+    for (const PropertyClass *propertyClass : properties) {
         if (!projectSystem->upToDate(element, propertyClass, configuration, targetModified, builder,
                                      quiet))
             return false;

@@ -50,6 +50,16 @@ public:
     bool linkerStartGroup;
 
 protected:
+    /// The compiler option of an optimisation level; anything unknown optimises for size.
+    static QString optimizationOption(const QString &level);
+    /// The object copier's option that selects the output `format`.
+    static QString objcopyFormatOption(const QString &format);
+    /// Whether none of `properties` changed on `element` after `targetModified`; the first
+    /// change is told to `builder` unless `quiet`.
+    static bool propertiesUpToDate(ProjectElement *element, const QString &configuration,
+                                   const QDateTime &targetModified,
+                                   const QList<const PropertyClass *> &properties, Builder *builder,
+                                   bool quiet);
     /// The expanded tool chain root setting; empty without a settings object.
     QString toolChainRoot() const;
     /// Whether the setting of `element` is exactly "Yes".
