@@ -4,6 +4,7 @@
 #include "frontend/builder.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
+#include "support/nullbuilder.h"
 #include "support/testsupport.h"
 #include "toolchain/armbuildsystem.h"
 
@@ -14,27 +15,12 @@
 
 #include <ostream>
 
+
 /// Lets test failures show strings as text.
 inline void PrintTo(const QString &text, std::ostream *out)
 {
     *out << '"' << text.toStdString() << '"';
 }
-
-/// A builder that does nothing at all.
-class NullBuilder : public Builder
-{
-public:
-    void beginGroup(ProjectElement *, const QString &, bool) override {}
-    void endGroup(ProjectElement *) override {}
-    void init() override {}
-    void setDirectory(const QString &) override {}
-    void setCommand(const QStringList &) override {}
-    void setEnvironment(const QStringList &) override {}
-    void setOutputFiles(const QStringList &) override {}
-    void setTemporaryFiles(const QStringList &) override {}
-    void doit() override {}
-    void error(const QString &) override {}
-};
 
 /// A builder that writes down the group lines and errors it is given.
 class RecordingBuilder : public NullBuilder

@@ -5,6 +5,7 @@
 #include "project/projectelement.h"
 #include "project/solutionloaderror.h"
 #include "properties/propertyclass.h"
+#include "support/nullbuilder.h"
 #include "support/testsupport.h"
 
 #include <gtest/gtest.h>
@@ -55,18 +56,9 @@ protected:
 };
 
 /// A builder that records the messages it is given and runs nothing.
-class RecordingBuilder : public Builder
+class RecordingBuilder : public NullBuilder
 {
 public:
-    void beginGroup(ProjectElement *, const QString &, bool) override {}
-    void endGroup(ProjectElement *) override {}
-    void init() override {}
-    void setDirectory(const QString &) override {}
-    void setCommand(const QStringList &) override {}
-    void setEnvironment(const QStringList &) override {}
-    void setOutputFiles(const QStringList &) override {}
-    void setTemporaryFiles(const QStringList &) override {}
-    void doit() override {}
     void error(const QString &text) override { messages.append(text); }
     void message(const QString &text) override { messages.append(text); }
 
