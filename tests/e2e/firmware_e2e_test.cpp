@@ -1,0 +1,181 @@
+#include "support/testsupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <ostream>
+
+/// Lets test failures show strings as text.
+static void PrintTo(const QString &text, std::ostream *out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
+namespace {
+
+/// The example solution built by the program with the installation tree of the build directory
+/// (the real cross tool chain, libraries and board files), and its firmware run under QEMU.
+class Firmware : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const QString bench = QFileInfo(tidemakeExecutable()).absoluteDir().filePath("..");
+        QString missing;
+        if (!QFileInfo(bench + "/gcc/bin/cc1").isExecutable() ||
+            !QFileInfo::exists(bench + "/lib/libc_v7m_t_le.a"))
+            missing = "the installation tree in " + QDir::cleanPath(bench) +
+                      " (configure with arm-none-eabi-gcc installed: scripts/setup.sh)";
+        else if (QStandardPaths::findExecutable("qemu-system-arm").isEmpty())
+            missing = "qemu-system-arm (scripts/setup.sh installs it)";
+        if (!missing.isEmpty()) {
+            // The CI machine installs everything first, so there a gap is a failure.
+            if (!qEnvironmentVariableIsEmpty("CI"))
+                FAIL() << "missing " << missing.toStdString();
+            GTEST_SKIP() << "missing " << missing.toStdString();
+        }
+
+        const QDir examples(QStringLiteral(TIDEMAKE_TEST_SOURCE_DIR "/../examples"));
+        QDirIterator files(examples.path(), QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            QFile source(file);
+            ASSERT_TRUE(source.open(QIODevice::ReadOnly)) << file.toStdString();
+            work.write(examples.relativeFilePath(file), source.readAll());
+        }
+    }
+
+    /// Builds the example solution in `configuration` with `options` added; the program's
+    /// standard output. Nothing may come on its standard error.
+    QString build(const QString &configuration, const QStringList &options = {})
+    {
+        const RunResult run = runTidemake(QStringList{"-config", configuration} + options +
+                                              QStringList{"examples.hdp"},
+                                          work.path(), settings.path());
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_EQ(run.err, "") << configuration.toStdString();
+        return run.out;
+    }
+
+    /// Runs the firmware of `configuration` under QEMU on `machine` (its QEMU options); what it
+    /// printed through semihosting, or the exit status and everything if it failed.
+    QString runFirmware(const QString &configuration, const QStringList &machine)
+    {
+        const QString elf = "app/" + QString(configuration).replace(' ', '/') + "/app.elf";
+        const RunResult run =
+            runProgram("timeout",
+                       QStringList{"20", "qemu-system-arm"} + machine +
+                           QStringList{"-nographic", "-semihosting", "-kernel", work.file(elf)},
+                       work.path(), {"QEMU_AUDIO_DRV=none"});
+        // The semihosting library writes to standard output, the debug I/O library to
+        // standard error; QEMU adds its own notes to the latter.
+        const QString output =
+            run.out + QString(run.err).remove("Timer with period zero, disabling\n");
+        if (run.exitCode != 0)
+            return "exit status " + QString::number(run.exitCode) + ": " + output;
+        return output;
+    }
+
+    /// Writes `relative` again as it is, which makes it newer than everything built so far:
+    /// file times are compared to the millisecond.
+    void touch(const QString &relative) { work.write(relative, work.read(relative)); }
+
+    /// The files of the work directory whose names end in one of `suffixes`.
+    QStringList filesEndingIn(const QStringList &suffixes)
+    {
+        QStringList found;
+        QDirIterator files(work.path(), QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            for (const QString &suffix : suffixes)
+                if (file.endsWith(suffix))
+                    found << QDir(work.path()).relativeFilePath(file);
+        }
+        return found;
+    }
+
+    ScratchDir work;
+    ScratchDir settings;
+};
+
+const QString resultLines = QStringLiteral("sum 31, mean 3.875, maximum 9\n");
+const QString closingLines = QStringLiteral("crc32 cbf43926\n"
+                                            "triangle has area 15\n"
+                                            "square has area 16\n"
+                                            "all checks passed\n");
+
+/// The lines of a first build of the whole solution in `configuration`.
+QString firstBuild(const QString &configuration, const QString &board)
+{
+    return "  Building \"mathlib\" in configuration \"" + configuration +
+           "\"\n"
+           "    Compiling statistics.c\n"
+           "    Compiling crc32.c\n"
+           "    Archiving mathlib.a\n"
+           "  Building \"app\" in configuration \"" +
+           configuration +
+           "\"\n"
+           "    Compiling main.c\n"
+           "    Compiling shapes.cpp\n"
+           "    Assembling " +
+           board +
+           " startup.s\n"
+           "  Generating linker script\n"
+           "    Linking app.elf\n";
+}
+
+} // namespace
+
+TEST_F(Firmware, BuildsAndRunsOnBothBoards)
+{
+    // ARM code for the ARM926 board, with the floating point printf and the C library's
+    // streams on the target I/O library.
+    EXPECT_EQ(build("versatilepb Debug"), firstBuild("versatilepb Debug", "versatilepb"));
+    EXPECT_EQ(runFirmware("versatilepb Debug", {"-M", "versatilepb", "-cpu", "arm926"}),
+              "Hello from versatilepb\n" + resultLines + "mean as a double 3.875\n" + closingLines);
+
+    // Thumb code for the Cortex-M3 board, optimised, with unused sections removed, the
+    // integer printf and the C library's streams on the semihosting library.
+    EXPECT_EQ(build("lm3s6965evb Release"), firstBuild("lm3s6965evb Release", "lm3s6965evb"));
+    EXPECT_EQ(runFirmware("lm3s6965evb Release", {"-M", "lm3s6965evb"}),
+              "Hello from lm3s6965evb\n" + resultLines + closingLines);
+    EXPECT_GT(QFileInfo(work.file("app/lm3s6965evb/Release/app.bin")).size(), 1000);
+}
+
+TEST_F(Firmware, RebuildsWhatAHeaderReachesAndCleansUp)
+{
+    const QString configuration = "lm3s6965evb Debug";
+    build(configuration);
+    const QString nothing = "  Building \"mathlib\" in configuration \"lm3s6965evb Debug\"\n"
+                            "  Building \"app\" in configuration \"lm3s6965evb Debug\"\n";
+    EXPECT_EQ(build(configuration), nothing);
+
+    // The compiler's dependency files tell which objects include a header.
+    touch("mathlib/statistics.h");
+    EXPECT_EQ(build(configuration),
+              "  Building \"mathlib\" in configuration \"lm3s6965evb Debug\"\n"
+              "    Compiling statistics.c\n"
+              "    Archiving mathlib.a\n"
+              "  Building \"app\" in configuration \"lm3s6965evb Debug\"\n"
+              "    Compiling main.c\n"
+              "    Linking app.elf\n");
+    touch("app/shapes.h");
+    EXPECT_EQ(build(configuration), nothing + "    Compiling main.c\n"
+                                              "    Compiling shapes.cpp\n"
+                                              "    Linking app.elf\n");
+    EXPECT_EQ(build(configuration), nothing);
+    EXPECT_EQ(runFirmware(configuration, {"-M", "lm3s6965evb"}),
+              "Hello from lm3s6965evb\n" + resultLines + closingLines);
+
+    // Cleaning removes the objects, libraries and executables, and runs no tool.
+    const QStringList made = {".o", ".a", ".elf"};
+    EXPECT_EQ(filesEndingIn(made).size(), 7);
+    EXPECT_EQ(build(configuration, {"-clean"}),
+              "  Cleaning \"mathlib\" in configuration \"lm3s6965evb Debug\"\n"
+              "  Cleaning \"app\" in configuration \"lm3s6965evb Debug\"\n");
+    EXPECT_EQ(filesEndingIn(made), QStringList());
+}
