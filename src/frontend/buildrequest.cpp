@@ -1,6 +1,6 @@
 #include "frontend/buildrequest.h"
 
-#include "build/buildsystem.h"
+#include "engine/buildsystem.h"
 #include "frontend/tidemakeargparse.h"
 #include "frontend/tidemakebuilder.h"
 #include "macros/macrosystem.h"

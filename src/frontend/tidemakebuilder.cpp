@@ -1,6 +1,7 @@
 #include "frontend/tidemakebuilder.h"
 
-#include "frontend/builderhost.h"
+#include "engine/buildsystem.h"
+#include "engine/diskinterface.h"
 #include "frontend/processrunner.h"
 
 #include <cctype>
@@ -55,11 +56,13 @@ void TidemakeBuilder::setTemporaryFiles(const QStringList &files)
 
 void TidemakeBuilder::ensureDirsExist(const QStringList &files)
 {
-    BuilderHost *host = builderHost();
-    if (!host)
+    if (!buildSystem)
         return;
-    for (const QString &file : files)
-        host->ensureDirExists(file);
+    // A file a command declares is about to change, so what the engine knew of it is gone.
+    for (const QString &file : files) {
+        buildSystem->disk().invalidate(file);
+        buildSystem->ensureDirExists(file);
+    }
 }
 
 void TidemakeBuilder::doit()
@@ -69,9 +72,9 @@ void TidemakeBuilder::doit()
     if (show)
         return;
 
-    if (BuilderHost *host = builderHost()) {
+    if (buildSystem) {
         QString message;
-        if (host->builtinCommand(directory, command, message)) {
+        if (buildSystem->builtinCommand(directory, command, message)) {
             if (!message.isEmpty()) {
                 printLine(message);
                 recordFailure();
@@ -92,8 +95,8 @@ void TidemakeBuilder::doit()
 void TidemakeBuilder::recordFailure()
 {
     commandFailed = true;
-    if (BuilderHost *host = builderHost())
-        host->setErrorOccurred();
+    if (buildSystem)
+        buildSystem->errorOccurred = true;
 }
 
 void TidemakeBuilder::error(const QString &text)

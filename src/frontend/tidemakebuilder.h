@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frontend/builder.h"
+#include "engine/builder.h"
 
 #include <cstdio>
 

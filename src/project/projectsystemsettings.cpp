@@ -6,7 +6,7 @@
 
 #include "foundation/path.h"
 #include "foundation/qtx.h"
-#include "frontend/builder.h"
+#include "engine/builder.h"
 #include "properties/propertyclass.h"
 #include "properties/propertyvaluelist.h"
 #include "properties/simplepropertyvalue.h"

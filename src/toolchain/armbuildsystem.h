@@ -65,8 +65,6 @@ public:
     /// Gives the assembly file each `_call_via_` stub that its Thumb long calls use, so that
     /// every module carries its own. A file that can't be read is left as it is.
     static void workaroundCallViaBug(const QString &assemblyFile);
-    /// `path` if it is absolute, else `directory`, "/" and `path`.
-    static QString absoluteProjectFilePath(const QString &path, const QString &directory);
 
     PropertyClass *armInstructionSetProperty;
     PropertyClass *armArchitectureProperty;

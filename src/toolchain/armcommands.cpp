@@ -1,14 +1,9 @@
 #include "toolchain/armbuildsystem.h"
 
-#include "frontend/builder.h"
+#include "engine/builder.h"
 #include "project/projectsystem.h"
 
 #include <QDir>
-
-QString ARMBuildSystem::absoluteProjectFilePath(const QString &path, const QString &directory)
-{
-    return QDir::isRelativePath(path) ? directory + QLatin1Char('/') + path : path;
-}
 
 void ARMBuildSystem::createCommandFor(ProjectElement *element, const QString &configuration,
                                       BuildAction action, const QString &output,
@@ -25,10 +20,10 @@ void ARMBuildSystem::createCommandFor(ProjectElement *element, const QString &co
     switch (action) {
     case ActionCompileC:
     case ActionCompileCpp:
-        compileCommands(job, action, absoluteProjectFilePath(inputs.value(0), projectDirectory));
+        compileCommands(job, action, getAbsPath(projectDirectory, inputs.value(0)));
         break;
     case ActionAssemble:
-        assembleCommands(job, absoluteProjectFilePath(inputs.value(0), projectDirectory));
+        assembleCommands(job, getAbsPath(projectDirectory, inputs.value(0)));
         break;
     case ActionLink:
         linkCommands(element, configuration, output, absoluteOutput, inputs, projectDirectory,

@@ -1,6 +1,7 @@
 #include "toolchain/armbuildsystem.h"
 
-#include "frontend/builder.h"
+#include "engine/sidefiles.h"
+#include "engine/builder.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -62,8 +63,8 @@ void ARMBuildSystem::compileCommands(const ObjectJob &job, BuildAction action,
 
     const bool keepAssembly = isOn(element, armKeepAssemblyProperty, configuration);
     const QString assembly =
-        keepAssembly ? QFileInfo(job.absoluteOutput).absolutePath() + QLatin1Char('/') +
-                           QFileInfo(job.output).completeBaseName() + QStringLiteral(".asm")
+        keepAssembly ? sideFilePath(QFileInfo(job.absoluteOutput).absolutePath(), job.output,
+                                   QStringLiteral(".asm"))
                      : createTmpFile(element, configuration);
     command << source << QStringLiteral("-o") << assembly;
 
@@ -167,9 +168,8 @@ void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QStri
 
     if (!objectFile.isNull()) {
         // The compiler proper takes the dependency file by name, beside the object.
-        const QFileInfo object(objectFile);
         command << QStringLiteral("-MD")
-                << object.path() + QLatin1Char('/') + object.baseName() + QStringLiteral(".d")
+                << dependencyFilePath(objectFile)
                 << QStringLiteral("-MQ") << objectFile;
         if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
             command << QStringLiteral("-Werror");
@@ -242,7 +242,7 @@ QString ARMBuildSystem::preprocess(ProjectElement *element, const QString &confi
     builder->init();
     builder->setDirectory(projectDirectory);
 
-    const QFileInfo file(absoluteProjectFilePath(element->relativePath(), projectDirectory));
+    const QFileInfo file(getAbsPath(projectDirectory, element->relativePath()));
     const QString result = file.absolutePath() + QLatin1Char('/') + file.completeBaseName() +
                            QStringLiteral("_PP.") + file.completeSuffix();
     const bool cpp = projectSystem->getFileType(element) == QLatin1String("C++");

@@ -1,9 +1,10 @@
 #include "toolchain/armbuildsystem.h"
 
-#include "build/diskinterface.h"
-#include "frontend/builder.h"
+#include "engine/sidefiles.h"
+#include "engine/diskinterface.h"
+#include "engine/builder.h"
 #include "macros/macrosystem.h"
-#include "memorymap/linkerscriptgenerator.h"
+#include "toolchain/linkerscriptgenerator.h"
 #include "project/projectsystem.h"
 
 #include <QFileInfo>
@@ -11,10 +12,6 @@
 namespace {
 
 /// `output` with its last extension replaced by `extension`, in `directory`.
-QString besideOutput(const QString &directory, const QString &output, const QString &extension)
-{
-    return directory + QLatin1Char('/') + QFileInfo(output).completeBaseName() + extension;
-}
 
 } // namespace
 
@@ -146,7 +143,7 @@ void ARMBuildSystem::linkCommands(ProjectElement *project, const QString &config
     const bool mapFile = isOn(project, linkerMapFileProperty, configuration);
     if (mapFile)
         command << QStringLiteral("-Map")
-                << besideOutput(QFileInfo(output).path(), output, QStringLiteral(".map"));
+                << sideFilePath(output, QStringLiteral(".map"));
     const QStringList definitions = setting(project, linkSymbolDefinitionsProperty, configuration)
                                         .split(QLatin1Char(';'), Qt::SkipEmptyParts);
     for (const QString &definition : definitions)
@@ -166,13 +163,13 @@ void ARMBuildSystem::linkCommands(ProjectElement *project, const QString &config
 
     if (mapFile)
         builder->setOutputFiles(
-            {besideOutput(absolute.absolutePath(), output, QStringLiteral(".map"))});
+            {sideFilePath(absolute.absolutePath(), output, QStringLiteral(".map"))});
     if (generated)
         builder->setOutputFiles({script});
     const QString format = setting(project, linkerOutputFormatProperty, configuration);
     if (format != QLatin1String("None")) {
         const QString extraFile =
-            besideOutput(absolute.absolutePath(), absoluteOutput, QLatin1Char('.') + format);
+            sideFilePath(absoluteOutput, QLatin1Char('.') + format);
         builder->setCommand({toolRoot + QStringLiteral("/objcopy"), output, extraFile,
                              objcopyFormatOption(format)});
         builder->setOutputFiles({extraFile});

@@ -1,7 +1,8 @@
 #include "toolchain/gccbuildsystem.h"
 
-#include "build/dependencyfile.h"
-#include "frontend/builder.h"
+#include "engine/sidefiles.h"
+#include "engine/dependencyfile.h"
+#include "engine/builder.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -187,8 +188,8 @@ void GCCBuildSystem::linkCommands(ProjectElement *element, const QString &config
     const QString format =
         projectSystem->settingFor(element, linkerOutputFormatProperty, configuration);
     if (format != QLatin1String("None")) {
-        const QString extraFile = outputInfo.absolutePath() + QLatin1Char('/') +
-                                  outputInfo.completeBaseName() + QLatin1Char('.') + format;
+        const QString extraFile = sideFilePath(outputInfo.absolutePath(), absoluteOutput,
+                                                 QLatin1Char('.') + format);
         builder->setCommand(
             {tools + QStringLiteral("objcopy"), output, extraFile, objcopyFormatOption(format)});
         builder->setOutputFiles({extraFile});

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
 #include <QString>
 #include <QStringList>

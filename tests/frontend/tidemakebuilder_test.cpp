@@ -1,10 +1,11 @@
-#include "frontend/builderhost.h"
 #include "frontend/tidemakebuilder.h"
+#include "toolchain/armbuildsystem.h"
 #include "support/testsupport.h"
 
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -32,13 +33,12 @@ public:
     FILE *file;
 };
 
-// A build system stand-in with one built-in command, "builtin", that fails when given "bad",
-// and one alias, "alias", that stands for "touch".
-class FakeHost : public BuilderHost
+// The build system with one built-in command, "builtin", that fails when given "bad", and one
+// alias, "alias", that stands for "touch"; it is the process's build system while it lives.
+class FakeBuildSystem : public ARMBuildSystem
 {
 public:
-    FakeHost() { setBuilderHost(this); }
-    ~FakeHost() override { setBuilderHost(nullptr); }
+    FakeBuildSystem() : ARMBuildSystem(QStringList()) { buildSystem = this; }
 
     bool builtinCommand(const QString &directory, QStringList &command, QString &message) override
     {
@@ -51,12 +51,8 @@ public:
             message = "builtin failed";
         return true;
     }
-    void setErrorOccurred() override { ++errors; }
-    void ensureDirExists(const QString &fileName) override { ensured << fileName; }
 
     QStringList builtins;
-    QStringList ensured;
-    int errors = 0;
 };
 
 } // namespace
@@ -81,7 +77,7 @@ TEST(TidemakeBuilder, PrintsLinesAtTheDepthOfGroups)
 TEST(TidemakeBuilder, ShowPrintsAndRunsNothing)
 {
     ScratchDir dir;
-    FakeHost host;
+    FakeBuildSystem host;
     Printed out;
     TidemakeBuilder builder(true, true, out.file);
     builder.setCommand({"touch", dir.file("made")});
@@ -92,7 +88,7 @@ TEST(TidemakeBuilder, ShowPrintsAndRunsNothing)
     EXPECT_FALSE(QFile::exists(dir.file("made")));
     EXPECT_TRUE(host.builtins.isEmpty());
     EXPECT_FALSE(builder.failed());
-    EXPECT_EQ(host.errors, 0);
+    EXPECT_FALSE(host.errorOccurred);
 }
 
 TEST(TidemakeBuilder, RunsCommandsAndRecordsFailures)
@@ -121,33 +117,34 @@ TEST(TidemakeBuilder, RunsCommandsAndRecordsFailures)
     EXPECT_TRUE(other.failed());
 }
 
-TEST(TidemakeBuilder, OffersCommandsToTheHostFirst)
+TEST(TidemakeBuilder, OffersCommandsToTheBuildSystemFirst)
 {
-    FakeHost host;
+    FakeBuildSystem host;
     Printed out;
     TidemakeBuilder builder(true, false, out.file);
-    builder.setOutputFiles({"a/x.o", "b/y.o"});
-    builder.setTemporaryFiles({"c/t.s"});
-    EXPECT_EQ(host.ensured, QStringList({"a/x.o", "b/y.o", "c/t.s"}));
+    ScratchDir dir;
+    builder.setOutputFiles({dir.file("a/x.o"), dir.file("b/y.o")});
+    builder.setTemporaryFiles({dir.file("c/t.s")});
+    for (const char *made : {"a", "b", "c"})
+        EXPECT_TRUE(QFileInfo(dir.file(made)).isDir()) << made;
 
     builder.setDirectory("/d");
     builder.setCommand({"builtin", "ok"});
     builder.doit();
-    EXPECT_EQ(host.errors, 0);
+    EXPECT_FALSE(host.errorOccurred);
     builder.setCommand({"builtin", "bad"});
     builder.doit();
     EXPECT_EQ(host.builtins, QStringList({"/d:builtin ok", "/d:builtin bad"}));
     EXPECT_EQ(out.text(), "builtin ok\nbuiltin bad\nbuiltin failed\n");
-    EXPECT_EQ(host.errors, 1);
+    EXPECT_TRUE(host.errorOccurred);
     EXPECT_TRUE(builder.failed());
 
     // A rewritten command is the one that runs.
-    ScratchDir dir;
     builder.setDirectory(dir.path());
     builder.setCommand({"alias", "made"});
     builder.doit();
     EXPECT_TRUE(QFile::exists(dir.file("made")));
-    EXPECT_EQ(host.errors, 1);
+    EXPECT_TRUE(host.errorOccurred);
 }
 
 TEST(Builder, CommandLineQuotesWordsWithSpaces)

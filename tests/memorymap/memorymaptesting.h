@@ -13,12 +13,6 @@
 #include <memory>
 #include <ostream>
 
-/// Lets test failures show strings as text.
-inline void PrintTo(const QString &text, std::ostream *out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
-
 /// A map parsed from `xml`, or null if it doesn't parse.
 inline std::unique_ptr<MemoryMap> mapFrom(const QByteArray &xml)
 {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "frontend/builder.h"
+#include "engine/builder.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
 #include "project/solutionloaderror.h"
 #include "properties/propertyclass.h"
-#include "support/nullbuilder.h"
+#include "support/recordingbuilder.h"
 #include "support/testsupport.h"
 
 #include <gtest/gtest.h>
@@ -53,14 +53,4 @@ protected:
 
     ARMProjectSystem system;
     ScratchDir scratch;
-};
-
-/// A builder that records the messages it is given and runs nothing.
-class RecordingBuilder : public NullBuilder
-{
-public:
-    void error(const QString &text) override { messages.append(text); }
-    void message(const QString &text) override { messages.append(text); }
-
-    QStringList messages;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frontend/builder.h"
+#include "engine/builder.h"
 
 /// A builder that does nothing at all; tests override what they want to see.
 class NullBuilder : public Builder

@@ -66,3 +66,9 @@ QString tidemakeExecutable()
 {
     return QStringLiteral(TIDEMAKE_EXE);
 }
+
+QByteArray solutionText(const QByteArray &body)
+{
+    return "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"1\">\n" + body +
+           "</solution>\n";
+}

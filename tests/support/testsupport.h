@@ -4,6 +4,17 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <ostream>
+
+/// Lets test failures show strings as text.
+inline void PrintTo(const QString &text, std::ostream *out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
+/// A solution file's text: the document type and a root solution "S" holding `body`.
+QByteArray solutionText(const QByteArray &body);
+
 /// A scratch directory for one test, removed with the object.
 class ScratchDir
 {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "build/buildaction.h"
-#include "build/buildsystem.h"
+#include "engine/buildaction.h"
+#include "engine/buildsystem.h"
 
 #include <QDateTime>
 #include <QHash>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "build/buildsystem.h"
-#include "frontend/builder.h"
+#include "engine/buildsystem.h"
+#include "engine/builder.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
 #include "support/nullbuilder.h"
@@ -16,14 +16,8 @@
 #include <ostream>
 
 
-/// Lets test failures show strings as text.
-inline void PrintTo(const QString &text, std::ostream *out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
-
 /// A builder that writes down the group lines and errors it is given.
-class RecordingBuilder : public NullBuilder
+class GroupBuilder : public NullBuilder
 {
 public:
     void beginGroup(ProjectElement *, const QString &text, bool) override { lines << text; }

@@ -1,4 +1,4 @@
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
 #include "foundation/product.h"
 

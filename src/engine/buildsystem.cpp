@@ -1,8 +1,7 @@
-#include "build/buildsystem.h"
+#include "engine/buildsystem.h"
 
-#include "build/diskinterface.h"
-#include "frontend/builder.h"
-#include "frontend/builderhost.h"
+#include "engine/diskinterface.h"
+#include "engine/builder.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -27,30 +26,8 @@ constexpr int maximumDependencyDepth = 1000;
 
 } // namespace
 
-/// What the console builder needs of the engine, handed on to the build system.
-class BuildSystemHost : public BuilderHost
-{
-public:
-    explicit BuildSystemHost(BuildSystem *buildSystem) : m_buildSystem(buildSystem) {}
-
-    bool builtinCommand(const QString &directory, QStringList &command, QString &message) override
-    {
-        return m_buildSystem->builtinCommand(directory, command, message);
-    }
-    void setErrorOccurred() override { m_buildSystem->errorOccurred = true; }
-    // A file a command declares is about to change, so what the engine knew of it is gone.
-    void ensureDirExists(const QString &fileName) override
-    {
-        m_buildSystem->disk().invalidate(fileName);
-        m_buildSystem->ensureDirExists(fileName);
-    }
-
-private:
-    BuildSystem *m_buildSystem;
-};
-
 BuildSystem::BuildSystem()
-    : m_host(std::make_unique<BuildSystemHost>(this)), m_disk(std::make_unique<RealDiskInterface>())
+    : m_disk(std::make_unique<RealDiskInterface>())
 {
     const char *const buildOptions = "Build Options";
     const char *const compilerOptions = "Compiler Options";
@@ -128,15 +105,12 @@ BuildSystem::BuildSystem()
         "combine_set_readonly", PropertyClass::Boolean, combining, "Set To Read-only",
         "Set the output file to read only or read/write.", "No");
 
-    setBuilderHost(m_host.get());
     if (projectSystem)
         projectSystem->setSettingExpander(this);
 }
 
 BuildSystem::~BuildSystem()
 {
-    if (builderHost() == m_host.get())
-        setBuilderHost(nullptr);
     if (projectSystem && projectSystem->settingExpander() == this)
         projectSystem->setSettingExpander(nullptr);
     if (buildSystem == this)

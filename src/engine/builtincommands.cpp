@@ -1,6 +1,6 @@
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
-#include "build/diskinterface.h"
+#include "engine/diskinterface.h"
 #include "foundation/path.h"
 #include "foundation/qtx.h"
 

@@ -1,7 +1,7 @@
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
-#include "build/diskinterface.h"
-#include "frontend/builder.h"
+#include "engine/diskinterface.h"
+#include "engine/builder.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
 #include "project/propertyvaluegroups.h"

@@ -1,4 +1,4 @@
-#include "frontend/builder.h"
+#include "engine/builder.h"
 
 #include "foundation/path.h"
 

@@ -15,7 +15,6 @@
 #include <vector>
 
 class Builder;
-class BuildSystemHost;
 class DiskInterface;
 class ProjectElement;
 
@@ -210,7 +209,6 @@ private:
     QList<InProgress> m_inProgress;
     QSet<QList<ProjectElement *>> m_reportedCycles;
     QSet<QString> m_tmpNames;
-    std::unique_ptr<BuildSystemHost> m_host;
     std::unique_ptr<DiskInterface> m_disk;
     quint64 m_buildSerial = 0;
     quint64 m_lastBuildSerial = 0;

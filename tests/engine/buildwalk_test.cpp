@@ -21,7 +21,7 @@ protected:
                         "    <configuration Name=\"Debug\" build_exclude_from_build=\"Yes\"/>\n"));
     }
 
-    RecordingBuilder builder;
+    GroupBuilder builder;
 };
 
 } // namespace

@@ -1,7 +1,7 @@
-#include "build/dependencyfile.h"
+#include "engine/dependencyfile.h"
 
-#include "build/buildsystem.h"
-#include "build/diskinterface.h"
+#include "engine/buildsystem.h"
+#include "engine/diskinterface.h"
 
 namespace {
 
@@ -18,16 +18,6 @@ void appendName(QString &name, const QString &prefix, QStringList &names)
 }
 
 } // namespace
-
-QString dependencyFilePath(const QString &objectPath)
-{
-    const qsizetype slash = objectPath.lastIndexOf(QLatin1Char('/'));
-    const QString directory = slash < 0 ? QStringLiteral(".") : objectPath.left(slash);
-    const QString fileName = objectPath.mid(slash + 1);
-    const qsizetype dot = fileName.indexOf(QLatin1Char('.'));
-    return directory + QLatin1Char('/') + (dot < 0 ? fileName : fileName.left(dot)) +
-           QStringLiteral(".d");
-}
 
 QStringList parseDependencyFile(const QByteArray &contents, const QString &projectDirectory)
 {

@@ -2,7 +2,7 @@
 // silent builder; also expands an object file name for every file, at two solution sizes, to
 // show that looking a setting up costs the element's depth and not the tree's size.
 
-#include "buildfixture.h"
+#include "engine/buildfixture.h"
 #include "solutiongenerator.h"
 
 #include <QElapsedTimer>

@@ -1,8 +1,8 @@
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
-#include "build/diskinterface.h"
+#include "engine/diskinterface.h"
 #include "foundation/path.h"
-#include "frontend/builder.h"
+#include "engine/builder.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
 

@@ -3,8 +3,8 @@
 // layer that only touches its outputs, then the no-op builds are timed and their questions to
 // the file system counted.
 
-#include "build/diskinterface.h"
-#include "buildfixture.h"
+#include "engine/diskinterface.h"
+#include "engine/buildfixture.h"
 #include "solutiongenerator.h"
 
 #include <QElapsedTimer>

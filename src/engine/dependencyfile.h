@@ -6,10 +6,6 @@
 
 class DiskInterface;
 
-/// The dependency file a compiler writes beside `objectPath`: the object's directory, its
-/// base name up to the first dot, and ".d".
-QString dependencyFilePath(const QString &objectPath);
-
 /// The names that the make rule in `contents` lists behind its first colon, in order; names
 /// that are relative get `projectDirectory` and "/" in front. No colon gives an empty list.
 QStringList parseDependencyFile(const QByteArray &contents, const QString &projectDirectory);

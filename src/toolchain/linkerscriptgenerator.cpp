@@ -1,9 +1,10 @@
-#include "memorymap/linkerscriptgenerator.h"
+#include "toolchain/linkerscriptgenerator.h"
 
-#include "build/buildsystem.h"
-#include "build/diskinterface.h"
+#include "engine/sidefiles.h"
+#include "engine/buildsystem.h"
+#include "engine/diskinterface.h"
 #include "foundation/path.h"
-#include "frontend/builder.h"
+#include "engine/builder.h"
 #include "memorymap/linkerscriptwriter.h"
 #include "memorymap/memorymap.h"
 #include "memorymap/memorymapopenfiles.h"
@@ -123,11 +124,11 @@ QString generateLinkerScript(ProjectElement *project, const QString &configurati
                              const QString &memoryMapPath, const QString &sectionPlacementPath,
                              Builder *builder, bool clean)
 {
-    const QString script =
-        projectDirectory + QLatin1Char('/') +
+    const QString script = linkerScriptPath(
+        projectDirectory,
         buildSystem->settingForExpanded(project, buildSystem->buildIntermediateDirectoryProperty,
-                                        configuration) +
-        QLatin1Char('/') + QFileInfo(output).completeBaseName() + QStringLiteral(".ld");
+                                        configuration),
+        output);
     DiskInterface &disk = buildSystem->disk();
     try {
         if (scriptIsCurrent(project, configuration, script, memoryMapPath, sectionPlacementPath,

@@ -1,7 +1,8 @@
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
-#include "build/diskinterface.h"
-#include "frontend/builder.h"
+#include "engine/sidefiles.h"
+#include "engine/diskinterface.h"
+#include "engine/builder.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -63,15 +64,6 @@ const std::initializer_list<const char *> stageProperties = {"stage_output_filep
                                                              "stage_command", "stage_set_readonly"};
 const std::initializer_list<const char *> combineProperties = {
     "combine_output_filepath", "combine_command", "combine_set_readonly"};
-
-// The file beside `output` with its last extension replaced by `extension`.
-QString sideFileOf(const QString &output, const QString &extension)
-{
-    const qsizetype slash = output.lastIndexOf(QLatin1Char('/'));
-    const qsizetype dot = output.lastIndexOf(QLatin1Char('.'));
-    const QString base = dot > slash ? output.left(dot) : output;
-    return base + QLatin1Char('.') + extension;
-}
 
 } // namespace
 
@@ -172,7 +164,7 @@ bool StandardBuildSystem::commandUpToDate(ProjectElement *element, const QString
 bool StandardBuildSystem::sideFileExists(const QString &output, const QString &extension,
                                          Builder *builder, bool quiet)
 {
-    const QString side = sideFileOf(getAbsPath(buildDirectory, output), extension);
+    const QString side = sideFilePath(getAbsPath(buildDirectory, output), QLatin1Char('.') + extension);
     if (disk().modified(side).isValid())
         return true;
     if (!quiet && builder)

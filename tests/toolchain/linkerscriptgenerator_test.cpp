@@ -1,8 +1,8 @@
-#include "memorymaptesting.h"
+#include "memorymap/memorymaptesting.h"
 
-#include "build/diskinterface.h"
+#include "engine/diskinterface.h"
 #include "macros/macrosystem.h"
-#include "memorymap/linkerscriptgenerator.h"
+#include "toolchain/linkerscriptgenerator.h"
 #include "memorymap/memorymapopenfiles.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"

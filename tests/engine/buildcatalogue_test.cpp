@@ -1,6 +1,6 @@
 #include "buildfixture.h"
 
-#include "build/standardbuildsystem.h"
+#include "engine/standardbuildsystem.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
-#include "build/dependencyfile.h"
+#include "engine/dependencyfile.h"
+#include "engine/sidefiles.h"
 #include "enginefixture.h"
 
 #include <gtest/gtest.h>

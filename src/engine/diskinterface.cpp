@@ -1,4 +1,4 @@
-#include "build/diskinterface.h"
+#include "engine/diskinterface.h"
 
 #include "foundation/qtx.h"
 
