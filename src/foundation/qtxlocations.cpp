@@ -13,6 +13,21 @@ QString runningProgramFile()
     return self.isEmpty() ? QDir::currentPath() + QStringLiteral("/program") : self;
 }
 
+// Where the shell found `word` when it ran it: the first directory of PATH (an empty entry
+// being the current one) that holds an executable file of that name.
+QString foundOnSearchPath(const QString &word)
+{
+    const QStringList directories = qEnvironmentVariable("PATH").split(QLatin1Char(':'));
+    for (const QString &directory : directories) {
+        const QString candidate =
+            (directory.isEmpty() ? QStringLiteral(".") : directory) + QLatin1Char('/') + word;
+        const QFileInfo info(candidate);
+        if (info.isFile() && info.isExecutable())
+            return candidate;
+    }
+    return word;
+}
+
 QString firstSetVariable(std::initializer_list<const char *> names)
 {
     for (const char *name : names) {
@@ -29,8 +44,11 @@ namespace QTx {
 
 QString getBenchDir(const char *argv0)
 {
-    const QString up =
-        QDir::cleanPath(QFileInfo(QFile::decodeName(argv0)).absolutePath() + QStringLiteral("/.."));
+    // A bare word was found along PATH; its directory there is the program's, links kept.
+    QString program = QFile::decodeName(argv0);
+    if (!program.isEmpty() && !program.contains(QLatin1Char('/')))
+        program = foundOnSearchPath(program);
+    const QString up = QDir::cleanPath(QFileInfo(program).absolutePath() + QStringLiteral("/.."));
     // An installation that isn't there has no canonical path: keep the plain one.
     const QString canonical = QDir(up).canonicalPath();
     return canonical.isEmpty() ? up : canonical;
@@ -38,12 +56,9 @@ QString getBenchDir(const char *argv0)
 
 QString rootDirectory()
 {
-    static const QString root = [] {
-        const QString program = QCoreApplication::instance()
-                                    ? QCoreApplication::applicationFilePath()
-                                    : runningProgramFile();
-        return getBenchDir(QFile::encodeName(program).constData());
-    }();
+    // From the name the program was started by, as $(BenchDir) is, so that both name the
+    // same installation when the program is reached through a link.
+    static const QString root = getBenchDir(QFile::encodeName(appPath()).constData());
     return root;
 }
 
