@@ -143,7 +143,12 @@ public:
     PropertyClass *findPropertyClass(const QString &saveName) const;
 
     bool errorOccurred = false; ///< a command failed: every further step is skipped
-    bool stopRequested = false; ///< the build is to stop; nothing in the console sets it
+    /// The build is to stop: an interrupt asked for it. Written from a signal handler, so
+    /// only ever set to true there and read between steps.
+    volatile bool stopRequested = false;
+    /// A dry run (-show): every line is printed as in a real build, but nothing on disk
+    /// changes (no removals, scripts, records or directories).
+    bool dryRun = false;
 
     PropertyClass *buildTreatWarningsAsErrorsProperty;
     PropertyClass *buildSuppressWarningsProperty;
