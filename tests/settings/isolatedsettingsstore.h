@@ -7,13 +7,12 @@
 #include <memory>
 
 /// Points the settings store at a fresh scratch directory while it lives. QSettings keeps the
-/// user directory it found first, so besides HOME and XDG_CONFIG_HOME the path is also set
-/// directly; the file then lies where XDG_CONFIG_HOME would put it.
+/// user directory it found first, so the path is set directly as well as through HOME and
+/// XDG_CONFIG_HOME; the file lies where XDG_CONFIG_HOME would put it.
 class IsolatedSettingsStore
 {
 public:
-    IsolatedSettingsStore()
-        : previousHome(qgetenv("HOME")), previousConfigHome(qgetenv("XDG_CONFIG_HOME"))
+    IsolatedSettingsStore() : home(qgetenv("HOME")), configHome(qgetenv("XDG_CONFIG_HOME"))
     {
         qputenv("HOME", scratch.path().toLocal8Bit());
         qputenv("XDG_CONFIG_HOME", scratch.path().toLocal8Bit());
@@ -21,15 +20,14 @@ public:
     }
     ~IsolatedSettingsStore()
     {
-        qputenv("HOME", previousHome);
-        qputenv("XDG_CONFIG_HOME", previousConfigHome);
+        qputenv("HOME", home);
+        qputenv("XDG_CONFIG_HOME", configHome);
     }
 
     /// The INI file of the store.
     QString storeFile() const
     {
-        return scratch.file(QString::fromLatin1(Get_OWNER()) + "/" +
-                            QString::fromLatin1(Get_BENCH_BRANDING()) + ".ini");
+        return scratch.file(QStringLiteral("%1/%2.ini").arg(Get_OWNER(), Get_BENCH_BRANDING()));
     }
     /// A direct view of the store, as another program would have it.
     static std::unique_ptr<QSettings> open()
@@ -42,6 +40,6 @@ public:
     ScratchDir scratch;
 
 private:
-    QByteArray previousHome;
-    QByteArray previousConfigHome;
+    QByteArray home;
+    QByteArray configHome;
 };
