@@ -8,18 +8,14 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QTextStream>
 
 #include <memory>
-#include <ostream>
 
 /// A map parsed from `xml`, or null if it doesn't parse.
 inline std::unique_ptr<MemoryMap> mapFrom(const QByteArray &xml)
 {
     auto map = std::make_unique<MemoryMap>();
-    if (!map->loadFromString(QString::fromLatin1(xml)))
-        return nullptr;
-    return map;
+    return map->loadFromString(QString::fromLatin1(xml)) ? std::move(map) : nullptr;
 }
 
 /// A memory map file's text: the root holding `body`.
@@ -34,17 +30,20 @@ inline QByteArray placementXml(const QByteArray &body)
     return "<!DOCTYPE Linker_Placement_File>\n<Root name=\"Placement\">\n" + body + "</Root>\n";
 }
 
-/// The sizes the settings have by default.
-inline LinkerScriptSizes defaultSizes()
+/// The names of `elements`, joined by blanks.
+inline QString names(const MemoryMap::ElementList &elements)
 {
-    return {"1024", "256", "256", "0", "0", "0", "1024"};
+    QStringList list;
+    for (const MemoryMapElement *element : elements)
+        list << element->name();
+    return list.join(QLatin1Char(' '));
 }
 
-/// What the writer makes of a memory map and a placement (none if empty): the script, or
-/// "error: " and the text thrown.
-inline QString scriptFrom(const QByteArray &mapBody, const QByteArray &placementBody,
-                          bool checkOverflow = false,
-                          const LinkerScriptSizes &sizes = defaultSizes())
+/// What the writer makes of a memory map and a placement (none if empty), with the sizes the
+/// settings have by default: the script, or "error: " and the text thrown.
+inline QString
+scriptFrom(const QByteArray &mapBody, const QByteArray &placementBody, bool checkOverflow = false,
+           const LinkerScriptSizes &sizes = {"1024", "256", "256", "0", "0", "0", "1024"})
 {
     auto map = mapFrom(memoryMapXml(mapBody));
     auto placement = placementBody.isEmpty() ? nullptr : mapFrom(placementXml(placementBody));
@@ -57,22 +56,6 @@ inline QString scriptFrom(const QByteArray &mapBody, const QByteArray &placement
     }
     stream.flush();
     return text;
-}
-
-/// The part of `script` from the first line holding `from` up to, not including, the first
-/// line after it holding `to` (to the end if none).
-inline QString excerpt(const QString &script, const QString &from, const QString &to = QString())
-{
-    const QStringList lines = script.split(QLatin1Char('\n'));
-    qsizetype first = 0;
-    while (first < lines.size() && !lines[first].contains(from))
-        ++first;
-    qsizetype last = first + 1;
-    while (!to.isEmpty() && last < lines.size() && !lines[last].contains(to))
-        ++last;
-    if (to.isEmpty())
-        last = lines.size();
-    return lines.mid(first, last - first).join(QLatin1Char('\n'));
 }
 
 /// Sets the modification time of `path` to `secondsAgo` seconds before now.
