@@ -1,6 +1,7 @@
 #include "frontend/buildrequest.h"
 
 #include "engine/buildsystem.h"
+#include "frontend/interrupts.h"
 #include "frontend/tidemakeargparse.h"
 #include "frontend/tidemakebuilder.h"
 #include "macros/macrosystem.h"
@@ -65,6 +66,10 @@ void runBuildRequest(TidemakeArgParse &options)
         refuseChoice("can't find configuration '%s' supported configurations:\n", options.config,
                      configurations);
 
+    // The build clears the engine's stop flag when it starts: an interrupt that came while
+    // the solution loaded must not be forgotten there.
+    if (Interrupts::received())
+        return;
     TidemakeBuilder builder(options.echo, options.show);
     buildSystem->build(element, options.config, &builder, type, true, options.batch);
 }

@@ -2,6 +2,7 @@
 #include "foundation/qtx.h"
 #include "frontend/buildrequest.h"
 #include "frontend/hreporter.h"
+#include "frontend/interrupts.h"
 #include "frontend/tidemakeargparse.h"
 #include "project/solutionloaderror.h"
 #include "settings/armtarnbenchenvironmentsettings.h"
@@ -43,6 +44,7 @@ int main(int argc, char **argv)
     std::unique_ptr<QCoreApplication> application(new QCoreApplication(argc, argv));
     report = new HReporter(argv[0], &std::cerr);
     std::unique_ptr<TidemakeArgParse> parser(new TidemakeArgParse(report));
+    Interrupts::install();
     try {
         if (argc <= 1)
             parser->onHelp(nullptr, nullptr);
@@ -68,5 +70,10 @@ int main(int argc, char **argv)
     }
     parser.reset();
     application.reset();
+    if (const int interrupt = Interrupts::received()) {
+        std::puts("interrupted");
+        // The shell's convention for a program ended by a signal.
+        return 128 + interrupt;
+    }
     return 0;
 }

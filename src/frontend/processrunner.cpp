@@ -1,5 +1,7 @@
 #include "frontend/processrunner.h"
 
+#include "frontend/interrupts.h"
+
 #include <QByteArray>
 #include <QFile>
 
@@ -67,8 +69,12 @@ void captureOutput(int outFd, int errFd, ProcessBufferList &outBuffers,
 {
     pollfd fds[2] = {{outFd, POLLIN, 0}, {errFd, POLLIN, 0}};
     for (;;) {
-        if (poll(fds, 2, 100) < 0)
+        if (poll(fds, 2, 100) < 0) {
+            // An interrupt is not the end of the child's output.
+            if (errno == EINTR)
+                continue;
             break;
+        }
         if (fds[0].revents & POLLIN)
             readFromProcess(outFd, outBuffers);
         if (fds[1].revents & POLLIN)
@@ -131,10 +137,17 @@ int QTx::spawnProcess(const QStringList &arguments, bool wait, const QString &di
     const QByteArray childDirectory = QFile::encodeName(directory);
     // Unwritten output would otherwise come out after the child's, or twice.
     std::fflush(nullptr);
+    // An interrupt must find the child it is to end, so signals wait until it is named.
+    const sigset_t signalMask = Interrupts::hold();
     const pid_t pid = fork();
-    if (pid == 0)
+    if (pid == 0) {
+        Interrupts::resetInChild(signalMask);
         runChild(childArguments, directory.isNull() ? nullptr : childDirectory.constData(),
                  capture ? outPipe : nullptr, capture ? errPipe : nullptr);
+    }
+    if (wait && pid > 0)
+        Interrupts::setRunningTool(pid);
+    Interrupts::release(signalMask);
 
     if (capture) {
         close(outPipe[1]);
@@ -151,7 +164,11 @@ int QTx::spawnProcess(const QStringList &arguments, bool wait, const QString &di
     }
     if (pid < 0)
         return -1;
-    return wait ? waitForChild(pid) : pollForChild(pid);
+    if (!wait)
+        return pollForChild(pid);
+    const int result = waitForChild(pid);
+    Interrupts::setRunningTool(0);
+    return result;
 }
 
 int readFromProcess(int fd, ProcessBufferList &buffers)

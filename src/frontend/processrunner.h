@@ -14,6 +14,7 @@ namespace QTx {
 /// both `output` and `errors` are given, its stdout and stderr lines are captured into them.
 /// Returns the exit status as a signed 8-bit value, -1 if it could not be started, was killed
 /// or exited with 255, and 0 if it is still running without `wait`. The fourth argument is unused.
+/// While it is waited for, the program is the tool that an interrupt is passed on to.
 int spawnProcess(const QStringList &arguments, bool wait, const QString &directory, bool,
                  QStringList *output, QStringList *errors);
 

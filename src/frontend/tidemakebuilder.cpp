@@ -2,7 +2,10 @@
 
 #include "engine/buildsystem.h"
 #include "engine/diskinterface.h"
+#include "frontend/interrupts.h"
 #include "frontend/processrunner.h"
+
+#include <QFile>
 
 #include <cctype>
 
@@ -26,6 +29,8 @@ void TidemakeBuilder::init()
     directory = QString();
     command.clear();
     environment.clear();
+    outputFiles.clear();
+    sequenceTemporaries.clear();
 }
 
 void TidemakeBuilder::setDirectory(const QString &directory)
@@ -46,11 +51,18 @@ void TidemakeBuilder::setEnvironment(const QStringList &environment)
 
 void TidemakeBuilder::setOutputFiles(const QStringList &files)
 {
+    outputFiles = files;
     ensureDirsExist(files);
 }
 
+// A command's scratch files are removed by a later command of its sequence, so they are
+// remembered until the sequence ends, for an interrupt to remove in its place.
 void TidemakeBuilder::setTemporaryFiles(const QStringList &files)
 {
+    for (const QString &file : files) {
+        if (!sequenceTemporaries.contains(file))
+            sequenceTemporaries << file;
+    }
     ensureDirsExist(files);
 }
 
@@ -67,6 +79,8 @@ void TidemakeBuilder::ensureDirsExist(const QStringList &files)
 
 void TidemakeBuilder::doit()
 {
+    if (abandonIfInterrupted())
+        return;
     if (echo)
         printLine(command.join(QLatin1Char(' ')));
     if (show)
@@ -75,6 +89,8 @@ void TidemakeBuilder::doit()
     if (buildSystem) {
         QString message;
         if (buildSystem->builtinCommand(directory, command, message)) {
+            if (abandonIfInterrupted())
+                return;
             if (!message.isEmpty()) {
                 printLine(message);
                 recordFailure();
@@ -84,6 +100,8 @@ void TidemakeBuilder::doit()
     }
 
     const int status = QTx::spawnProcess(command, true, directory, false, nullptr, nullptr);
+    if (abandonIfInterrupted())
+        return;
     if (status == 0)
         return;
     // Anything but -1 is the tool's own failure, and the tool has said why.
@@ -97,6 +115,23 @@ void TidemakeBuilder::recordFailure()
     commandFailed = true;
     if (buildSystem)
         buildSystem->errorOccurred = true;
+}
+
+// After an interrupt no command starts, and what the interrupted one was making can't be
+// trusted: its outputs go, and so do the scratch files of its sequence, whose own removal
+// will not run. The engine's stop flag is set again here, since a build that started after
+// the signal cleared it.
+bool TidemakeBuilder::abandonIfInterrupted()
+{
+    if (!Interrupts::received())
+        return false;
+    if (buildSystem)
+        buildSystem->stopRequested = true;
+    if (!show) {
+        for (const QString &file : outputFiles + sequenceTemporaries)
+            QFile::remove(file);
+    }
+    return true;
 }
 
 void TidemakeBuilder::error(const QString &text)

@@ -41,7 +41,10 @@ private:
     void printLine(const QString &text);
     void ensureDirsExist(const QStringList &files);
     void recordFailure();
+    bool abandonIfInterrupted();
 
     FILE *out;
     bool commandFailed = false;
+    QStringList outputFiles;
+    QStringList sequenceTemporaries;
 };

@@ -29,10 +29,12 @@ QByteArray ScratchDir::read(const QString &relative) const
     return f.readAll();
 }
 
-RunResult runProgram(const QString &program, const QStringList &arguments,
-                     const QString &workDir, const QStringList &environment)
+namespace {
+
+// Sets the process to start in `workDir` with "NAME=value" `environment` entries over this
+// program's own environment.
+void prepare(QProcess &process, const QString &workDir, const QStringList &environment)
 {
-    QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const QString &entry : environment) {
         const int eq = entry.indexOf('=');
@@ -40,6 +42,24 @@ RunResult runProgram(const QString &program, const QStringList &arguments,
     }
     process.setProcessEnvironment(env);
     process.setWorkingDirectory(workDir);
+}
+
+// The entries that keep a tidemake run's settings store in `settingsHome`.
+QStringList tidemakeEnvironment(const QString &settingsHome, const QStringList &extraEnvironment)
+{
+    QStringList env = extraEnvironment;
+    env << QStringLiteral("HOME=") + settingsHome
+        << QStringLiteral("XDG_CONFIG_HOME=") + settingsHome + QStringLiteral("/.config");
+    return env;
+}
+
+} // namespace
+
+RunResult runProgram(const QString &program, const QStringList &arguments,
+                     const QString &workDir, const QStringList &environment)
+{
+    QProcess process;
+    prepare(process, workDir, environment);
     process.start(program, arguments);
     RunResult result;
     if (!process.waitForStarted(10000))
@@ -56,10 +76,19 @@ RunResult runProgram(const QString &program, const QStringList &arguments,
 RunResult runTidemake(const QStringList &arguments, const QString &workDir,
                       const QString &settingsHome, const QStringList &extraEnvironment)
 {
-    QStringList env = extraEnvironment;
-    env << QStringLiteral("HOME=") + settingsHome
-        << QStringLiteral("XDG_CONFIG_HOME=") + settingsHome + QStringLiteral("/.config");
-    return runProgram(tidemakeExecutable(), arguments, workDir, env);
+    return runProgram(tidemakeExecutable(), arguments, workDir,
+                      tidemakeEnvironment(settingsHome, extraEnvironment));
+}
+
+std::unique_ptr<QProcess> startTidemake(const QStringList &arguments, const QString &workDir,
+                                        const QString &settingsHome,
+                                        const QStringList &extraEnvironment)
+{
+    auto process = std::make_unique<QProcess>();
+    prepare(*process, workDir, tidemakeEnvironment(settingsHome, extraEnvironment));
+    process->start(tidemakeExecutable(), arguments);
+    process->closeWriteChannel();
+    return process;
 }
 
 QString tidemakeExecutable()

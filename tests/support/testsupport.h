@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <memory>
 #include <ostream>
 
 /// Lets test failures show strings as text.
@@ -46,6 +48,12 @@ struct RunResult
 /// user's real one; extra "NAME=value" entries go to the environment.
 RunResult runTidemake(const QStringList &arguments, const QString &workDir,
                       const QString &settingsHome, const QStringList &extraEnvironment = {});
+
+/// Starts the built tidemake as runTidemake runs it, without waiting, so that a test can
+/// signal it while it works; the caller waits for it through the process.
+std::unique_ptr<QProcess> startTidemake(const QStringList &arguments, const QString &workDir,
+                                        const QString &settingsHome,
+                                        const QStringList &extraEnvironment = {});
 
 /// Runs any program the same way; `program` is looked up along PATH.
 RunResult runProgram(const QString &program, const QStringList &arguments,
