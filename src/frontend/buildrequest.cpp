@@ -35,10 +35,11 @@ int buildType(const TidemakeArgParse &options)
 
 } // namespace
 
-void runBuildRequest(TidemakeArgParse &options)
+bool runBuildRequest(TidemakeArgParse &options)
 {
     projectSystem = new ARMProjectSystem;
     buildSystem = new ARMBuildSystem(QStringList());
+    buildSystem->dryRun = options.show;
     macroSystem.setSystemMacro(QStringLiteral("Platform"), QStringLiteral("arm"));
     macroSystem.setSystemMacro(QStringLiteral("BenchDir"), options.benchDir);
     projectSystem->loadSolution(options.hdpFile, nullptr);
@@ -69,7 +70,8 @@ void runBuildRequest(TidemakeArgParse &options)
     // The build clears the engine's stop flag when it starts: an interrupt that came while
     // the solution loaded must not be forgotten there.
     if (Interrupts::received())
-        return;
+        return true;
     TidemakeBuilder builder(options.echo, options.show);
     buildSystem->build(element, options.config, &builder, type, true, options.batch);
+    return !buildSystem->errorOccurred && !builder.failed();
 }

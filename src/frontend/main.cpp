@@ -45,6 +45,7 @@ int main(int argc, char **argv)
     report = new HReporter(argv[0], &std::cerr);
     std::unique_ptr<TidemakeArgParse> parser(new TidemakeArgParse(report));
     Interrupts::install();
+    bool failed = false;
     try {
         if (argc <= 1)
             parser->onHelp(nullptr, nullptr);
@@ -55,8 +56,9 @@ int main(int argc, char **argv)
         parser->benchDir = QTx::getBenchDir(argv[0]);
         parser->parse(argc - 1, argv + 1);
         checkOptions(*parser);
-        runBuildRequest(*parser);
+        failed = !runBuildRequest(*parser);
     } catch (const SolutionLoadError &error) {
+        failed = true;
         if (error.kind == SolutionLoadError::BadXML)
             std::fprintf(stderr, "load error: bad XML file - %s\n",
                          error.message.toLocal8Bit().constData());
@@ -64,10 +66,13 @@ int main(int argc, char **argv)
             std::fprintf(stderr, "load error: %s%s\n", error.fileName.toLocal8Bit().constData(),
                          error.message.toLocal8Bit().constData());
     } catch (const HException &exception) {
+        failed = true;
         std::fprintf(stderr, "error: %s\n", exception.what());
     } catch (...) {
+        failed = true;
         std::fprintf(stderr, "Internal error detected\n");
     }
+    const bool statusForFailure = parser->exitStatus;
     parser.reset();
     application.reset();
     if (const int interrupt = Interrupts::received()) {
@@ -75,5 +80,5 @@ int main(int argc, char **argv)
         // The shell's convention for a program ended by a signal.
         return 128 + interrupt;
     }
-    return 0;
+    return failed && statusForFailure ? 2 : 0;
 }

@@ -25,6 +25,7 @@ const char *const usageText[] = {
     "  -BenchDir 'name' set $(BenchDir) to 'name'\n",
     "  -solution 'name'  build/batch build 'name' solution\n",
     "  -verbose          show build information\n",
+    "  -exitstatus       exit with status 2 if the build fails\n",
     nullptr,
 };
 
@@ -55,6 +56,7 @@ TidemakeArgParse::TidemakeArgParse(HReporter *reporter) : ArgParse(reporter)
     addHandler("-solution", 1, handler(&TidemakeArgParse::onSolution));
     addHandler("-BenchDir", 1, handler(&TidemakeArgParse::onBenchDir));
     addFlag("-verbose", &verbose);
+    addFlag("-exitstatus", &exitStatus);
 }
 
 void TidemakeArgParse::onArgument(const char *argument)

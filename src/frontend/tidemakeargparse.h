@@ -38,4 +38,7 @@ public:
     bool show = false;
     bool rebuild = false;
     bool verbose = false;
+    /// `-exitstatus`: a failed build, a solution that can't be loaded or an error that ends
+    /// the program exits with status 2 instead of 0.
+    bool exitStatus = false;
 };

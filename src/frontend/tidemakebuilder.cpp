@@ -136,6 +136,7 @@ bool TidemakeBuilder::abandonIfInterrupted()
 
 void TidemakeBuilder::error(const QString &text)
 {
+    errorReported = true;
     printLine(text);
 }
 

@@ -27,8 +27,8 @@ public:
     void success(const QString &text) override;
     void message(const QString &text) override;
 
-    /// True once a command run by this builder has failed.
-    bool failed() const { return commandFailed; }
+    /// True once a command run by this builder has failed or an error was reported through it.
+    bool failed() const { return commandFailed || errorReported; }
 
     bool echo;
     bool show;
@@ -45,6 +45,7 @@ private:
 
     FILE *out;
     bool commandFailed = false;
+    bool errorReported = false;
     QStringList outputFiles;
     QStringList sequenceTemporaries;
 };
