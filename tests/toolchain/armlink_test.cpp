@@ -4,11 +4,12 @@
 
 namespace {
 
-/// The libraries of a link line, in order, without their directory and `$(LibExt)` ".a".
-QString libraryNames(QStringList command, const QString &directory, const QString &libExt)
+/// The libraries of the last link line, in order, without their directory and `libExt`".a".
+QString libraryNames(const RecordingBuilder &builder, const QString &libExt)
 {
-    command = command.mid(command.indexOf("Debug/main.o") + 1);
-    return command.replaceInStrings(directory + "/", "")
+    const QStringList &command = builder.command;
+    return command.mid(command.indexOf("Debug/main.o") + 1)
+        .replaceInStrings("/bench/lib/", "")
         .replaceInStrings(libExt + ".a", "")
         .join(' ');
 }
@@ -29,13 +30,12 @@ TEST_F(ARMTest, DefaultLinkLineAndSequence)
     EXPECT_EQ(events(), "init\ndir @\ngroup Linking App.elf\n" + ld +
                             "\noutputs @/Debug/App.elf\ndoit\noutputs @/Debug/App.map\nend");
 
-    // An additional output format goes through the object copier, in the same group.
+    // An additional output format goes through the object copier, in the same group; only the
+    // last dot of the output starts its extension.
     run(app, ActionLink, {{"linker_output_format", "hex"}, {"linker_map_file", "No"}},
-        "Debug/App.elf", inputs);
-    EXPECT_TRUE(events().endsWith("doit\ncommand /tc/objcopy Debug/App.elf @/Debug/App.hex "
-                                  "-Oihex\noutputs @/Debug/App.hex\ndoit\nend"));
-    run(app, ActionLink, {{"linker_output_format", "srec"}}, "out/x.y.elf", inputs);
-    EXPECT_EQ(builder.commands.value(1).section(' ', 2), expand("@/out/x.y.srec -Osrec"));
+        "out/x.y.elf", inputs);
+    EXPECT_TRUE(events().endsWith("doit\ncommand /tc/objcopy out/x.y.elf @/out/x.y.hex "
+                                  "-Oihex\noutputs @/out/x.y.hex\ndoit\nend"));
 
     // A failed link ends the sequence with its group open.
     builder.failOn = "/ld";
@@ -43,68 +43,45 @@ TEST_F(ARMTest, DefaultLinkLineAndSequence)
     EXPECT_TRUE(events().endsWith("outputs @/Debug/App.elf\ndoit")) << events().toStdString();
 }
 
-TEST_F(ARMTest, LinkOptionsOfEachSetting)
+TEST_F(ARMTest, LinkOptionsOfTheSettings)
 {
-    const QString head = "/tc/ld -X -nostdlib ";
-    const QString script = " -T@/app.ld ";
-    const QString tail = " -o Debug/App.elf --start-group Debug/main.o";
-    struct Case
-    {
-        ARMSettings settings;
-        QString expected;
-    };
-    const ARMSettings quietNoLibraries = {{"link_include_standard_libraries", "No"},
-                                          {"arm_linker_treat_warnings_as_errors", "No"},
-                                          {"linker_map_file", "No"}};
-    auto with = [&](ARMSettings settings) {
-        settings.insert(settings.end(), quietNoLibraries.begin(), quietNoLibraries.end());
-        return settings;
-    };
-    const std::vector<Case> cases = {
-        {with({}), head + "-ereset_handler --omagic -EL" + script + "-u_vectors" + tail},
-        {with({{"build_quietly", "No"},
-               {"build_treat_warnings_as_errors", "Yes"},
-               {"arm_linker_no_warn_on_mismatch", "Yes"},
-               {"linker_additional_options", "--verbose;-z max"},
-               {"arm_endian", "Big"},
-               {"build_remove_unused_symbols", "Yes"},
-               {"gcc_entry_point", "start"}}),
-         head +
-             "-estart --omagic -v --fatal-warnings --no-warn-mismatch --verbose \"-z max\" -EB "
-             "--gc-sections" +
-             script + "-u_vectors" + tail},
-        // Symbol definitions keep their "=" and stand apart from their option.
-        {with({{"link_symbol_definitions", "a=1;;b=0x2"}, {"linker_keep_symbols", "x;y"}}),
-         head + "-ereset_handler --omagic -EL" + script + "--defsym a=1 --defsym b=0x2 -ux -uy" +
-             tail},
-    };
-    for (const Case &test : cases) {
-        run(app, ActionLink, test.settings, "Debug/App.elf", {"Debug/main.o"});
-        EXPECT_EQ(shown(builder.commands).section('\n', 0, 0), test.expected);
-    }
-    run(app, ActionLink, with({{"link_symbol_definitions", "a=1"}}), "Debug/App.elf",
-        {"Debug/main.o"});
+    run(app, ActionLink,
+        {{"link_include_standard_libraries", "No"},
+         {"linker_map_file", "No"},
+         {"build_quietly", "No"},
+         {"build_treat_warnings_as_errors", "Yes"},
+         {"arm_linker_no_warn_on_mismatch", "Yes"},
+         {"linker_additional_options", "--verbose;-z max"},
+         {"arm_endian", "Big"},
+         {"build_remove_unused_symbols", "Yes"},
+         {"gcc_entry_point", "start"},
+         {"link_symbol_definitions", "a=1;;b=0x2"},
+         {"linker_keep_symbols", "x;y"}},
+        "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(firstCommand(), "/tc/ld -X -nostdlib -estart --omagic -v --fatal-warnings "
+                              "--no-warn-mismatch --verbose \"-z max\" -EB --gc-sections "
+                              "-T@/app.ld --defsym a=1 --defsym b=0x2 -ux -uy -o Debug/App.elf "
+                              "--start-group Debug/main.o");
+    // A symbol definition keeps its "=" and stands apart from its option.
     EXPECT_EQ(builder.command.mid(builder.command.indexOf("--defsym"), 2),
               QStringList({"--defsym", "a=1"}));
+    // Warnings are errors if either setting says so.
+    run(app, ActionLink, {{"arm_linker_treat_warnings_as_errors", "No"}}, "Debug/App.elf", {});
+    EXPECT_FALSE(builder.command.contains("--fatal-warnings"));
 }
 
 TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
 {
-    struct Case
+    const struct
     {
-        ARMSettings settings;
+        Settings settings;
         const char *libraries;
-    };
-    const char *const common = "libm libc libcpp libdebugio";
-    const std::vector<Case> cases = {
-        {{}, "libarmdi %1 libc_targetio_impl lib_vfprintf_long lib_vfscanf_long"},
+    } cases[] = {
         {{{"arm_target_debug_interface_type", "ADIv5"}, {"link_IOLibraryName", "debug"}},
          "libadiv5 %1 libc_debugio_impl lib_vfprintf_long lib_vfscanf_long"},
         {{{"arm_target_debug_interface_type", "XScale7BitIR"}, {"link_IOLibraryName", "none"}},
          "libxscale %1 lib_vfprintf_long lib_vfscanf_long"},
-        {{{"arm_target_debug_interface_type", "XScale"}, {"cpp_enable_rtti", "Yes"}},
-         "libxscale %1 libc_targetio_impl libgccxceptrtti lib_vfprintf_long lib_vfscanf_long"},
-        {{{"cpp_enable_exceptions", "Yes"}, {"linker_printf_fp_enabled", "Yes"}},
+        {{{"cpp_enable_rtti", "Yes"}, {"linker_printf_fp_enabled", "Yes"}},
          "libarmdi %1 libc_targetio_impl libgccxceptrtti lib_vfprintf_double_long_long "
          "lib_vfscanf_long"},
         {{{"cpp_enable_exceptions", "Yes"},
@@ -112,10 +89,10 @@ TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
           {"linker_scanf_character_group_matching_enabled", "Yes"}},
          "libarmdi %1 libc_targetio_impl lib_vfprintf_long lib_vfscanf_long_cc"},
     };
-    for (const Case &test : cases) {
+    for (const auto &test : cases) {
         run(app, ActionLink, test.settings, "Debug/App.elf", {"Debug/main.o"});
-        EXPECT_EQ(libraryNames(builder.command, "/bench/lib", "_v4t_a_le"),
-                  QString(test.libraries).arg(common));
+        EXPECT_EQ(libraryNames(builder, "_v4t_a_le"),
+                  QString(test.libraries).arg("libm libc libcpp libdebugio"));
     }
 
     // The directory is expanded with the project's macros, `$(LibExt)` among them.
@@ -127,15 +104,14 @@ TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
               "App/l_v4t_t_le/libm_v4t_t_le.a");
 
     // Without the standard libraries only the objects follow; the compatibility mode has no
-    // debug I/O and picks a floating point library.
+    // debug I/O, picks a floating point library, starts at 0 and keeps no symbols.
     run(app, ActionLink, {{"link_include_standard_libraries", "No"}}, "Debug/App.elf",
         {"Debug/main.o", "x.a"});
     EXPECT_EQ(builder.command.mid(builder.command.indexOf("--start-group")),
               QStringList({"--start-group", "Debug/main.o", "x.a"}));
-    EXPECT_TRUE(builder.command.contains("-nostdlib"));
     system->setGenerate_1_5_commandLine(true);
     run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
-    EXPECT_EQ(libraryNames(builder.command, "/bench/lib", "_v4t_a_i_le"),
+    EXPECT_EQ(libraryNames(builder, "_v4t_a_i_le"),
               "libarmdi libm libc libcpp libgccfp lib_vfprintf_long lib_vfscanf_long");
     EXPECT_TRUE(builder.command.contains("-e0"));
     EXPECT_FALSE(builder.command.join(' ').contains(" -u"));
@@ -143,14 +119,34 @@ TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
     EXPECT_TRUE(builder.command.contains("/bench/lib/libkmffp_v4t_a_i_le.a"));
 }
 
-TEST_F(ARMTest, LinkWithoutAScriptOrMemoryMap)
+TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMapOrNone)
 {
-    // The project's memory map file is named but absent.
+    // The project's memory map file is named but absent; then unreadable.
     set(linkerScriptFile, {{"build_exclude_from_build", "Yes"}});
     run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors,
               QStringList{"memory map file does not exist: " + expand("@/map.xml")});
     EXPECT_EQ(events(), "init\ndir @");
+    const QString map = scratch.write("app/map.xml", "not a memory map");
+    run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(builder.errors, QStringList{"cannot load memory map file: " + map});
+    EXPECT_EQ(events(), "init\ndir @");
+
+    // The script is one of the link's outputs, named after the link's output.
+    scratch.write("app/map.xml", "<!DOCTYPE Board_Memory_Definition_File>\n"
+                                 "<Root name=\"Board\">\n"
+                                 "  <MemorySegment name=\"FLASH\" start=\"0\" size=\"0x10000\">\n"
+                                 "    <ProgramSection name=\".text\" load=\"Yes\"/>\n"
+                                 "  </MemorySegment>\n"
+                                 "</Root>\n");
+    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", {"Debug/main.o"});
+    EXPECT_EQ(builder.errors, QStringList());
+    EXPECT_TRUE(builder.messages.contains("Generating linker script"));
+    EXPECT_TRUE(firstCommand().contains(" -T@/Debug/App.ld "));
+    EXPECT_TRUE(events().contains("doit\noutputs @/Debug/App.map\noutputs @/Debug/App.ld\n"
+                                  "command /tc/objcopy"))
+        << events().toStdString();
+    EXPECT_TRUE(QFile::exists(scratch.file("app/Debug/App.ld")));
 
     // A setting that names no file on disk counts as none.
     set(memoryMapFile, {{"build_exclude_from_build", "Yes"}});
@@ -171,30 +167,4 @@ TEST_F(ARMTest, ArchiveReplacesTheLibrary)
     builder.failOn = "/ar";
     run(app, ActionArchive, {}, "Debug/App.a", {"Debug/a.o"});
     EXPECT_TRUE(events().endsWith("doit"));
-}
-
-TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMap)
-{
-    set(linkerScriptFile, {{"build_exclude_from_build", "Yes"}});
-    const QString map = scratch.write("app/map.xml", "not a memory map");
-    run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
-    EXPECT_EQ(builder.errors, QStringList{"cannot load memory map file: " + map});
-    EXPECT_EQ(events(), "init\ndir @");
-
-    scratch.write("app/map.xml", "<!DOCTYPE Board_Memory_Definition_File>\n"
-                                 "<Root name=\"Board\">\n"
-                                 "  <MemorySegment name=\"FLASH\" start=\"0\" size=\"0x10000\""
-                                 " access=\"ReadOnly\">\n"
-                                 "    <ProgramSection name=\".text\" load=\"Yes\"/>\n"
-                                 "  </MemorySegment>\n"
-                                 "</Root>\n");
-    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", {"Debug/main.o"});
-    EXPECT_EQ(builder.errors, QStringList());
-    EXPECT_TRUE(builder.messages.contains("Generating linker script"));
-    EXPECT_EQ(builder.commands.value(0).section(' ', 7, 7), expand("-T@/Debug/App.ld"));
-    // The script is one of the link's outputs, named after the map file's.
-    EXPECT_TRUE(events().contains("doit\noutputs @/Debug/App.map\noutputs @/Debug/App.ld\n"
-                                  "command /tc/objcopy"))
-        << events().toStdString();
-    EXPECT_TRUE(QFile::exists(scratch.file("app/Debug/App.ld")));
 }

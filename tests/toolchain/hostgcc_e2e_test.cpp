@@ -15,11 +15,12 @@ const char *const hostTools[] = {"gcc", "g++", "ar", "ranlib", "objcopy"};
 /// An application of two C files and a header over a library project with its own header,
 /// built with the host's compiler from /usr/bin. The driver writes no map file of its own, so
 /// the link asks for the one that the up-to-date test looks for.
-class HostGcc : public ToolChainTest
+class HostGcc : public GCCTest
 {
 protected:
-    HostGcc() : ToolChainTest(nullptr, "/usr/bin", true)
+    HostGcc() : GCCTest(nullptr, "/usr/bin", true)
     {
+        builder.run = true;
         scratch.write("mathlib/square.h", "int square(int n);\n");
         scratch.write("mathlib/square.c", "#include \"square.h\"\n"
                                           "int square(int n) { return n * n; }\n");
@@ -63,7 +64,6 @@ protected:
         return utime(scratch.file(relative).toLocal8Bit().constData(), &times) == 0;
     }
 
-    RecordingBuilder builder{true};
     ProjectElement *root = nullptr;
 };
 

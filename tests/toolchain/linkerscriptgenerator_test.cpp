@@ -1,15 +1,8 @@
-#include "memorymap/memorymaptesting.h"
+#include "armtesting.h"
 
-#include "engine/diskinterface.h"
-#include "macros/macrosystem.h"
-#include "toolchain/linkerscriptgenerator.h"
 #include "memorymap/memorymapopenfiles.h"
-#include "project/armprojectsystem.h"
-#include "project/projectelement.h"
-#include "project/projecttesting.h"
-#include "settings/armtarnbenchenvironmentsettings.h"
-#include "settings/isolatedsettingsstore.h"
-#include "toolchain/armbuildsystem.h"
+#include "memorymap/memorymaptesting.h"
+#include "toolchain/linkerscriptgenerator.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -133,42 +126,19 @@ const QString workedExampleScript =
 
 } // namespace
 
-/// The program's ARM systems over a project "App" whose memory map and section placement
-/// files lie in its directory, its intermediate directory being "obj".
-class LinkerScriptGeneratorTest : public ::testing::Test
+/// The ARM systems over "App", whose memory map and section placement files lie in its
+/// directory, its intermediate directory being "obj".
+class LinkerScriptGeneratorTest : public ARMTest
 {
 protected:
     LinkerScriptGeneratorTest()
     {
-        settings.createEntries();
-        environment = &settings;
-        projectSystem = &projects;
-        system = std::make_unique<ARMBuildSystem>(QStringList());
-        buildSystem = system.get();
-        const QString path = scratch.write(
-            "s.hdp", "<!DOCTYPE Tarnbench_Project_File>\n"
-                     "<solution Name=\"S\" version=\"1\">\n"
-                     "  <configuration Name=\"Debug\"/>\n"
-                     "  <project Name=\"App\">\n"
-                     "    <configuration Name=\"Common\" project_directory=\"app\""
-                     " project_type=\"Executable\" build_intermediate_directory=\"obj\"/>\n"
-                     "  </project>\n"
-                     "</solution>\n");
-        projects.loadSolution(path, nullptr);
-        app = projects.solutionProjects(nullptr).value(QStringLiteral("App"));
+        set(app, {{"build_intermediate_directory", "obj"}});
         mapPath = scratch.write("app/map.xml", workedExampleMap);
         placementPath = scratch.write("app/placement.xml", workedExamplePlacement);
         scriptPath = scratch.file("app/obj/App.ld");
     }
-    ~LinkerScriptGeneratorTest() override
-    {
-        MemoryMapOpenFiles::clear();
-        projects.closeSolution();
-        system.reset();
-        buildSystem = nullptr;
-        projectSystem = nullptr;
-        environment = nullptr;
-    }
+    ~LinkerScriptGeneratorTest() override { MemoryMapOpenFiles::clear(); }
 
     /// Generates the script of "App" in "Debug"; the error text, or an empty string.
     QString generate(bool clean = false, const QString &placement = QString("-"))
@@ -176,9 +146,9 @@ protected:
         builder.messages.clear();
         system->disk().invalidateAll();
         try {
-            EXPECT_EQ(generateLinkerScript(
-                          app, "Debug", "Debug/App.elf", ProjectSystem::projectDirectoryPath(app),
-                          mapPath, placement == "-" ? placementPath : placement, &builder, clean),
+            EXPECT_EQ(generateLinkerScript(app, debug, "Debug/App.elf", projectDir, mapPath,
+                                           placement == "-" ? placementPath : placement, &builder,
+                                           clean),
                       scriptPath);
         } catch (const QString &error) {
             return error;
@@ -202,13 +172,6 @@ protected:
         return QDir(scratch.file("app/obj")).entryList(QDir::Files);
     }
 
-    IsolatedSettingsStore store;
-    ARMTarnbenchEnvironmentSettings settings;
-    ARMProjectSystem projects;
-    std::unique_ptr<ARMBuildSystem> system;
-    ScratchDir scratch;
-    RecordingBuilder builder;
-    ProjectElement *app = nullptr;
     QString mapPath;
     QString placementPath;
     QString scriptPath;

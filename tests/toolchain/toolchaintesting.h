@@ -1,9 +1,7 @@
 #pragma once
 
 #include "engine/buildsystem.h"
-#include "foundation/qtx.h"
-#include "engine/builder.h"
-#include "frontend/processrunner.h"
+#include "engine/diskinterface.h"
 #include "project/gccprojectsystem.h"
 #include "project/projectelement.h"
 #include "settings/environmentsettings.h"
@@ -14,26 +12,31 @@
 
 #include <gtest/gtest.h>
 
-#include <QStringList>
+#include <QRegularExpression>
 
 #include <memory>
-#include <ostream>
+#include <utility>
+#include <vector>
 
-/// A settings store of its own, the settings object, a GNU project system and a GCC build
-/// system installed as the process-wide ones.
-class ToolChainTest : public ::testing::Test
+/// Settings as save name and value.
+using Settings = std::vector<std::pair<const char *, const char *>>;
+
+/// A settings store of its own, with a settings object, a project system and a build system
+/// of the given types installed as the process-wide ones, and a recording builder.
+template <typename SettingsObject, typename Projects, typename System>
+class SystemsTest : public ::testing::Test
 {
 protected:
-    ToolChainTest(const char *toolPrefix, const char *toolChainRoot, bool linkerStartGroup)
+    /// Makes the build system with `arguments` after its command line.
+    template <typename... Arguments> explicit SystemsTest(Arguments... arguments)
     {
         settings.createEntries();
         environment = &settings;
         projectSystem = &projects;
-        system = std::make_unique<GCCBuildSystem>(QStringList(), toolPrefix, toolChainRoot,
-                                                  linkerStartGroup);
+        system = std::make_unique<System>(QStringList(), arguments...);
         buildSystem = system.get();
     }
-    ~ToolChainTest() override
+    ~SystemsTest() override
     {
         projects.closeSolution();
         system.reset();
@@ -42,23 +45,66 @@ protected:
         environment = nullptr;
     }
 
-    /// Writes the solution file `name` holding `body` and loads it; returns the root.
-    ProjectElement *load(const QByteArray &body, const QString &name = QStringLiteral("s.hdp"))
+    /// Writes and loads a solution of `body`; "App" becomes `app`. Returns the root.
+    ProjectElement *load(const QByteArray &body)
     {
-        const QString path = scratch.write(name, "<!DOCTYPE Tarnbench_Project_File>\n"
-                                                 "<solution Name=\"S\" version=\"1\">\n" +
-                                                     body + "</solution>\n");
-        return projects.loadSolution(path, nullptr);
+        ProjectElement *root =
+            projects.loadSolution(scratch.write("s.hdp", solutionText(body)), nullptr);
+        app = projects.solutionProjects(nullptr).value(QStringLiteral("App"));
+        projectDir = app ? ProjectSystem::projectDirectoryPath(app) : QString();
+        return root;
     }
-    /// The project of that global name.
-    ProjectElement *project(const QString &name) const
+    /// Sets `values` on `element` in "Debug".
+    void set(ProjectElement *element, const Settings &values)
     {
-        return projects.solutionProjects(nullptr).value(name);
+        for (const auto &[name, value] : values)
+            projects.setProperty(element, QString::fromLatin1(name), debug, value);
     }
+    /// Removes what `set` set.
+    void unset(ProjectElement *element, const Settings &values)
+    {
+        for (const auto &setting : values)
+            projects.removeProperty(element, QString::fromLatin1(setting.first), debug);
+    }
+    /// `text` with "@" standing for the project directory of "App".
+    QString expand(QString text) const { return text.replace(QLatin1Char('@'), projectDir); }
+    /// `lines` joined by newlines, scratch file names shown as "TMP" and the project directory
+    /// of "App" as "@".
+    QString shown(const QStringList &lines) const
+    {
+        return lines.join(QLatin1Char('\n'))
+            .replace(QRegularExpression(QStringLiteral("\\S*/tmp/file\\w{6}")),
+                     QStringLiteral("TMP"))
+            .replace(projectDir, QStringLiteral("@"));
+    }
+    /// Has the build system make the commands of `action` on `element` with `values` set there
+    /// for the call; `output` lies in the project directory. The builder keeps what it was told.
+    void run(ProjectElement *element, BuildAction action, const Settings &values,
+             const QString &output, const QStringList &inputs)
+    {
+        set(element, values);
+        builder.clear();
+        system->errorOccurred = false;
+        system->disk().invalidateAll(); // each call sees the files as the test left them
+        system->createCommandFor(element, debug, action, output, expand("@/") + output, inputs,
+                                 &builder, false, false);
+        unset(element, values);
+    }
+    /// What the builder was told, one call a line, as `shown`.
+    QString events() const { return shown(builder.events); }
+    /// The first command the builder ran, as `shown`.
+    QString firstCommand() const { return shown(builder.commands.mid(0, 1)); }
 
+    const QString debug = QStringLiteral("Debug");
     IsolatedSettingsStore store;
-    EnvironmentSettings settings;
-    GCCProjectSystem projects{QStringLiteral(".elf")};
-    std::unique_ptr<GCCBuildSystem> system;
+    SettingsObject settings;
+    Projects projects{QStringLiteral(".elf")};
+    std::unique_ptr<System> system;
     ScratchDir scratch;
+    RecordingBuilder builder;
+    ProjectElement *app = nullptr;
+    QString projectDir;
 };
+
+/// The GCC layer alone, with the project system of plain GNU tools.
+using GCCTest = SystemsTest<EnvironmentSettings, GCCProjectSystem, GCCBuildSystem>;
