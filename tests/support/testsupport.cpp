@@ -96,6 +96,11 @@ QString tidemakeExecutable()
     return QStringLiteral(TIDEMAKE_EXE);
 }
 
+RunResult runTidefile(const QStringList &arguments, const QString &workDir)
+{
+    return runProgram(QStringLiteral(TIDEFILE_EXE), arguments, workDir);
+}
+
 QByteArray solutionText(const QByteArray &body)
 {
     return "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"S\" version=\"1\">\n" + body +

@@ -61,3 +61,6 @@ RunResult runProgram(const QString &program, const QStringList &arguments,
 
 /// The path of the built tidemake executable.
 QString tidemakeExecutable();
+
+/// Runs the built tidefile with `arguments` in `workDir`.
+RunResult runTidefile(const QStringList &arguments, const QString &workDir);
