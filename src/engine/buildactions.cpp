@@ -1,8 +1,8 @@
 #include "engine/standardbuildsystem.h"
 
+#include "engine/builder.h"
 #include "engine/diskinterface.h"
 #include "foundation/path.h"
-#include "engine/builder.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
 
@@ -279,7 +279,8 @@ void StandardBuildSystem::appendLinkControlFiles(ProjectElement *project,
 bool StandardBuildSystem::cleanFile(const QString &path, bool quiet, Builder *builder)
 {
     const bool existed = disk().modified(path).isValid();
-    const bool removed = disk().removeFile(path);
+    // A dry run says what it would remove and removes nothing.
+    const bool removed = dryRun || disk().removeFile(path);
     if (!quiet && existed && builder) {
         if (removed)
             builder->note(QStringLiteral("Remove ") + Path::toOsPath(path));

@@ -1,7 +1,7 @@
 #include "engine/buildsystem.h"
 
-#include "engine/diskinterface.h"
 #include "engine/builder.h"
+#include "engine/diskinterface.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -26,8 +26,7 @@ constexpr int maximumDependencyDepth = 1000;
 
 } // namespace
 
-BuildSystem::BuildSystem()
-    : m_disk(std::make_unique<RealDiskInterface>())
+BuildSystem::BuildSystem() : m_disk(std::make_unique<RealDiskInterface>())
 {
     const char *const buildOptions = "Build Options";
     const char *const compilerOptions = "Compiler Options";
@@ -472,6 +471,8 @@ bool BuildSystem::recursiveMkdir(const QDir &dir)
 
 bool BuildSystem::ensureDirExists(const QString &filePath)
 {
+    if (dryRun)
+        return true;
     return recursiveMkdir(QDir(QFileInfo(filePath).absolutePath()));
 }
 

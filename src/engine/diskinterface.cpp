@@ -2,7 +2,10 @@
 
 #include "foundation/qtx.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
 
 #include <cerrno>
 
@@ -88,4 +91,14 @@ void RealDiskInterface::invalidate(const QString &path)
 void RealDiskInterface::invalidateAll()
 {
     m_entries.clear();
+}
+
+bool RealDiskInterface::writeFile(const QString &path, const QByteArray &contents)
+{
+    invalidate(path);
+    if (!QDir().mkpath(QFileInfo(path).absolutePath()))
+        return false;
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
+           file.commit();
 }

@@ -21,6 +21,9 @@ public:
     virtual bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) = 0;
     /// Removes the file `path`.
     virtual bool removeFile(const QString &path) = 0;
+    /// Writes `contents` to `path` through a temporary file and a rename, making its directory
+    /// first; false when it can't, leaving any earlier file as it was.
+    virtual bool writeFile(const QString &path, const QByteArray &contents) = 0;
     /// Forgets what is known of `path`: a command is about to make or change it.
     virtual void invalidate(const QString &path) = 0;
     /// Forgets everything known: a command with unknown effects has run, or a build starts.
@@ -35,6 +38,7 @@ public:
     bool isReadable(const QString &path) override;
     bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) override;
     bool removeFile(const QString &path) override;
+    bool writeFile(const QString &path, const QByteArray &contents) override;
     void invalidate(const QString &path) override;
     void invalidateAll() override;
 

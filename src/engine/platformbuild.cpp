@@ -1,7 +1,7 @@
 #include "engine/standardbuildsystem.h"
 
-#include "engine/diskinterface.h"
 #include "engine/builder.h"
+#include "engine/diskinterface.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
 #include "project/propertyvaluegroups.h"
@@ -47,7 +47,11 @@ bool StandardBuildSystem::platformBuild(ProjectElement *element, const QString &
         settingForExpanded(element, propertyGroupsFilePathProperty, configuration);
     if (!groupFile.isEmpty())
         propertyValueGroups.setGroupFile(groupFile);
-    return platformBuild1(element, configuration, builder, type);
+    const bool quiet = type & BUILD_QUIET;
+    openRecord(element, configuration, builder, quiet);
+    const bool worked = platformBuild1(element, configuration, builder, type);
+    saveRecord(builder, quiet);
+    return worked;
 }
 
 bool StandardBuildSystem::platformBuild1(ProjectElement *element, const QString &configuration,
@@ -135,7 +139,9 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
         if (dependencies.isEmpty())
             dependencies.append(file->path().canonicalPathQString());
         if (upToDate(buildDirectory, objectFile, modified, dependencies, builder, flags.quiet) &&
-            commandUpToDate(file, configuration, modified, action, builder, flags.quiet)) {
+            commandUpToDate(file, configuration, modified, action, builder, flags.quiet) &&
+            recordUpToDate(objectFile, commandSignature(file, configuration, action, {input}),
+                           builder, flags.quiet)) {
             dependencyCache.insert(absolute, dependencies);
             if (!flags.quiet && builder)
                 builder->success(upToDateLine(objectFile));
@@ -149,6 +155,7 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
         createCommandFor(file, configuration, action, objectFile, absolute, {input}, builder,
                          flags.quiet, flags.clean);
         disk().invalidateAll();
+        recordCommand(objectFile, commandSignature(file, configuration, action, {input}));
     }
     return true;
 }
@@ -185,8 +192,11 @@ bool StandardBuildSystem::linkStep(ProjectElement *project, const QString &confi
     if (present && !force) {
         QStringList dependencies = inputs;
         appendLinkControlFiles(project, configuration, dependencies, false);
+        appendGeneratedLinkFiles(project, configuration, executable, dependencies);
         if (upToDate(buildDirectory, executable, modified, dependencies, builder, flags.quiet) &&
             commandUpToDate(project, configuration, modified, ActionLink, builder, flags.quiet) &&
+            recordUpToDate(executable, commandSignature(project, configuration, ActionLink, inputs),
+                           builder, flags.quiet) &&
             additionalOutputFileUpToDate(project, configuration, absolute, dependencies, builder,
                                          flags.quiet) &&
             mapOutputFileUpToDate(project, configuration, absolute, dependencies, builder,
@@ -204,6 +214,7 @@ bool StandardBuildSystem::linkStep(ProjectElement *project, const QString &confi
     createCommandFor(project, configuration, ActionLink, executable, absolute, inputs, builder,
                      flags.quiet, flags.clean);
     disk().invalidateAll();
+    recordCommand(executable, commandSignature(project, configuration, ActionLink, inputs));
     if (!errorOccurred && !stopRequested)
         postBuildStep(project, configuration, builder);
     return true;
@@ -230,7 +241,9 @@ bool StandardBuildSystem::archiveStep(ProjectElement *project, const QString &co
     const bool present = exists(buildDirectory, library, absolute, modified, builder, flags.quiet);
     if (present && !force &&
         upToDate(buildDirectory, library, modified, inputs, builder, flags.quiet) &&
-        commandUpToDate(project, configuration, modified, ActionArchive, builder, flags.quiet)) {
+        commandUpToDate(project, configuration, modified, ActionArchive, builder, flags.quiet) &&
+        recordUpToDate(library, commandSignature(project, configuration, ActionArchive, inputs),
+                       builder, flags.quiet)) {
         if (!flags.quiet && builder)
             builder->success(upToDateLine(library));
         return false;
@@ -241,6 +254,7 @@ bool StandardBuildSystem::archiveStep(ProjectElement *project, const QString &co
         createCommandFor(project, configuration, ActionArchive, library, absolute, inputs, builder,
                          flags.quiet, flags.clean);
         disk().invalidateAll();
+        recordCommand(library, commandSignature(project, configuration, ActionArchive, inputs));
     }
     return true;
 }

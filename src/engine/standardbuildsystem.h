@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/buildaction.h"
+#include "engine/buildrecord.h"
 #include "engine/buildsystem.h"
 
 #include <QDateTime>
@@ -98,6 +99,37 @@ public:
     bool additionalOutputFileUpToDate(ProjectElement *element, const QString &configuration,
                                       const QString &output, const QStringList &dependencies,
                                       Builder *builder, bool quiet);
+    /// The properties whose values make the command of `action`, worked out once. A change
+    /// of any of them makes the command's output out of date.
+    QList<const PropertyClass *> commandProperties(BuildAction action) const;
+    /// Appends the properties of `action` to `list`; tool-chain layers extend it.
+    virtual void appendCommandProperties(BuildAction action,
+                                         QList<const PropertyClass *> &list) const;
+    /// Files the link of `output` reads that the tool layer makes itself (a generated linker
+    /// script), appended to `list`; a missing one relinks.
+    virtual void appendGeneratedLinkFiles(ProjectElement *project, const QString &configuration,
+                                          const QString &output, QStringList &list);
+    /// What the tools are, beyond the settings of a command: "key=value" entries that go into
+    /// every output's record (the tool chain root).
+    virtual QStringList toolSignature();
+
+    // Records across runs.
+
+    /// What the command of `action` makes `output` from: the values of its properties, the
+    /// tools, and its `inputs` (and, for a link, the link control files).
+    QStringList commandSignature(ProjectElement *element, const QString &configuration,
+                                 BuildAction action, const QStringList &inputs);
+    /// Whether the record of the project says `output` was made from what would make it now;
+    /// says why not unless `quiet`. Without any record of the project, as after an upgrade,
+    /// the times alone decide and `output` is recorded as it stands.
+    bool recordUpToDate(const QString &output, const QStringList &signature, Builder *builder,
+                        bool quiet);
+    /// Records `signature` for `output` after its command ran, or forgets `output` when the
+    /// command failed or was interrupted.
+    void recordCommand(const QString &output, const QStringList &signature);
+    /// The record of the project being built.
+    BuildRecord &currentRecord() { return m_record; }
+
     /// Whether the map file beside the link output `output` exists, or none is asked for.
     bool mapOutputFileUpToDate(ProjectElement *element, const QString &configuration,
                                const QString &output, const QStringList &dependencies,
@@ -199,8 +231,6 @@ private:
     /// Whether the side file of `output` with `extension` exists; says so unless `quiet`.
     bool sideFileExists(const QString &output, const QString &extension, Builder *builder,
                         bool quiet);
-    /// The properties whose change makes the command of `action` out of date.
-    QList<const PropertyClass *> commandProperties(BuildAction action) const;
     /// `findFileOfType` for the link, else the expanded `setting` found as given or below the
     /// project directory.
     bool useFileForLink(ProjectElement *project, const QString &configuration,
@@ -228,6 +258,22 @@ private:
     /// object the compile steps named.
     QHash<OutputKey, QString> m_outputs;
     quint64 m_outputsSerial = 0;
+
+    /// Reads the record of the project of `element` unless it is the one held; writes the
+    /// held one first if it changed.
+    void openRecord(ProjectElement *element, const QString &configuration, Builder *builder,
+                    bool quiet);
+    /// Writes the held record if it changed, unless this is a dry run.
+    void saveRecord(Builder *builder, bool quiet);
+    /// Why `output` is not as its record says, for -verbose.
+    QString recordDifference(const QString &output, const QString &key) const;
+
+    BuildRecord m_record;
+    QStringList m_toolSignature;        ///< `toolSignature` of this build
+    quint64 m_recordSerial = 0;         ///< the build `m_toolSignature` was taken in
+    quint64 m_recordLoadedSerial = 0;   ///< the build `m_record` was read in
+    bool m_recordWriteReported = false; ///< a failed write was reported in this build
+    mutable QHash<int, QList<const PropertyClass *>> m_commandProperties;
 
     void makeBuildAndCompilerClasses();
     void makeLinkerClasses();

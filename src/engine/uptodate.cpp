@@ -1,8 +1,8 @@
 #include "engine/standardbuildsystem.h"
 
-#include "engine/sidefiles.h"
-#include "engine/diskinterface.h"
 #include "engine/builder.h"
+#include "engine/diskinterface.h"
+#include "engine/sidefiles.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -111,6 +111,18 @@ bool BuildSystem::upToDate(QString directory, const QString &target,
 
 QList<const PropertyClass *> StandardBuildSystem::commandProperties(BuildAction action) const
 {
+    auto known = m_commandProperties.constFind(int(action));
+    if (known == m_commandProperties.cend()) {
+        QList<const PropertyClass *> list;
+        appendCommandProperties(action, list);
+        known = m_commandProperties.insert(int(action), list);
+    }
+    return *known;
+}
+
+void StandardBuildSystem::appendCommandProperties(BuildAction action,
+                                                  QList<const PropertyClass *> &classes) const
+{
     std::initializer_list<const char *> names;
     switch (action) {
     case ActionCompileC:
@@ -135,8 +147,6 @@ QList<const PropertyClass *> StandardBuildSystem::commandProperties(BuildAction 
     default:
         break;
     }
-    QList<const PropertyClass *> classes;
-    classes.reserve(qsizetype(names.size()));
     for (const char *name : names) {
         const QString saveName = QLatin1String(name);
         const PropertyClass *propertyClass = findPropertyClass(saveName);
@@ -145,7 +155,6 @@ QList<const PropertyClass *> StandardBuildSystem::commandProperties(BuildAction 
         if (propertyClass)
             classes.append(propertyClass);
     }
-    return classes;
 }
 
 bool StandardBuildSystem::commandUpToDate(ProjectElement *element, const QString &configuration,
@@ -164,7 +173,8 @@ bool StandardBuildSystem::commandUpToDate(ProjectElement *element, const QString
 bool StandardBuildSystem::sideFileExists(const QString &output, const QString &extension,
                                          Builder *builder, bool quiet)
 {
-    const QString side = sideFilePath(getAbsPath(buildDirectory, output), QLatin1Char('.') + extension);
+    const QString side =
+        sideFilePath(getAbsPath(buildDirectory, output), QLatin1Char('.') + extension);
     if (disk().modified(side).isValid())
         return true;
     if (!quiet && builder)

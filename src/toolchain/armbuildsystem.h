@@ -27,10 +27,12 @@ public:
                           const QString &output, const QString &absoluteOutput,
                           const QStringList &inputs, Builder *builder, bool quiet,
                           bool clean) override;
-    /// The GCC layer's test, then the ARM settings that go into the command of `action`.
-    bool commandUpToDate(ProjectElement *element, const QString &configuration,
-                         QDateTime targetModified, BuildAction action, Builder *builder,
-                         bool quiet) override;
+    /// The GCC layer's settings, then the ARM settings that go into the command of `action`.
+    void appendCommandProperties(BuildAction action,
+                                 QList<const PropertyClass *> &properties) const override;
+    /// The generated linker script, when the link writes one from a memory map.
+    void appendGeneratedLinkFiles(ProjectElement *project, const QString &configuration,
+                                  const QString &output, QStringList &list) override;
 
     // The target model.
 

@@ -1,6 +1,7 @@
 #include "toolchain/armbuildsystem.h"
 
 #include "engine/builder.h"
+#include "engine/sidefiles.h"
 #include "project/projectsystem.h"
 
 #include <QDir>
@@ -38,41 +39,48 @@ void ARMBuildSystem::createCommandFor(ProjectElement *element, const QString &co
     }
 }
 
-bool ARMBuildSystem::commandUpToDate(ProjectElement *element, const QString &configuration,
-                                     QDateTime targetModified, BuildAction action, Builder *builder,
-                                     bool quiet)
+void ARMBuildSystem::appendCommandProperties(BuildAction action,
+                                             QList<const PropertyClass *> &properties) const
 {
-    if (!GCCBuildSystem::commandUpToDate(element, configuration, targetModified, action, builder,
-                                         quiet))
-        return false;
-    QList<const PropertyClass *> properties;
+    GCCBuildSystem::appendCommandProperties(action, properties);
     switch (action) {
     case ActionCompileC:
     case ActionCompileCpp:
     case ActionAssemble:
-        properties = {armInstructionSetProperty,
-                      armArchitectureProperty,
-                      armCoreTypeProperty,
-                      armFpuTypeProperty,
-                      armFpAbiProperty,
-                      armEndianProperty,
-                      armLongCallsProperty,
-                      armInterworkProperty,
-                      armKeepAssemblyProperty,
-                      armModuleCallViasProperty,
-                      buildRemoveUnusedSymbolsProperty};
+        properties += {armInstructionSetProperty,
+                       armArchitectureProperty,
+                       armCoreTypeProperty,
+                       armFpuTypeProperty,
+                       armFpAbiProperty,
+                       armEndianProperty,
+                       armLongCallsProperty,
+                       armInterworkProperty,
+                       armKeepAssemblyProperty,
+                       armModuleCallViasProperty,
+                       buildRemoveUnusedSymbolsProperty};
         break;
     case ActionLink:
-        properties = {
-            armLibraryInstructionSetProperty, armLibraryCheckMemorySegmentOverflowProperty,
-            buildRemoveUnusedSymbolsProperty, armUseGccLibrariesProperty,
-            armLinkerStackSizeProperty,       armLinkerIrqStackSizeProperty,
-            armLinkerFiqStackSizeProperty,    armLinkerSvcStackSizeProperty,
-            armLinkerAbtStackSizeProperty,    armLinkerUndStackSizeProperty,
-            armLinkerHeapSizeProperty,        armLinkerTreatWarningsAsErrorsProperty};
+        properties +=
+            {armLibraryInstructionSetProperty, armLibraryCheckMemorySegmentOverflowProperty,
+             buildRemoveUnusedSymbolsProperty, armUseGccLibrariesProperty,
+             armLinkerStackSizeProperty,       armLinkerIrqStackSizeProperty,
+             armLinkerFiqStackSizeProperty,    armLinkerSvcStackSizeProperty,
+             armLinkerAbtStackSizeProperty,    armLinkerUndStackSizeProperty,
+             armLinkerHeapSizeProperty,        armLinkerTreatWarningsAsErrorsProperty};
         break;
     default:
         break;
     }
-    return propertiesUpToDate(element, configuration, targetModified, properties, builder, quiet);
+}
+
+void ARMBuildSystem::appendGeneratedLinkFiles(ProjectElement *project, const QString &configuration,
+                                              const QString &output, QStringList &list)
+{
+    QString path;
+    if (useLinkerScriptFileForLink(project, configuration, path) ||
+        !useMemoryMapFileForLink(project, configuration, path))
+        return;
+    list << linkerScriptPath(
+        buildDirectory,
+        settingForExpanded(project, buildIntermediateDirectoryProperty, configuration), output);
 }

@@ -1,7 +1,7 @@
 #include "toolchain/armbuildsystem.h"
 
-#include "engine/sidefiles.h"
 #include "engine/builder.h"
+#include "engine/sidefiles.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -62,10 +62,10 @@ void ARMBuildSystem::compileCommands(const ObjectJob &job, BuildAction action,
         command << QStringLiteral("-ffunction-sections");
 
     const bool keepAssembly = isOn(element, armKeepAssemblyProperty, configuration);
-    const QString assembly =
-        keepAssembly ? sideFilePath(QFileInfo(job.absoluteOutput).absolutePath(), job.output,
-                                   QStringLiteral(".asm"))
-                     : createTmpFile(element, configuration);
+    const QString assembly = keepAssembly
+                                 ? sideFilePath(QFileInfo(job.absoluteOutput).absolutePath(),
+                                                job.output, QStringLiteral(".asm"))
+                                 : createTmpFile(element, configuration);
     command << source << QStringLiteral("-o") << assembly;
 
     job.builder->beginGroup(element, QStringLiteral("Compiling ") + nameOf(element), false);
@@ -77,7 +77,7 @@ void ARMBuildSystem::compileCommands(const ObjectJob &job, BuildAction action,
     if (mustStop())
         return;
 
-    if (longCalls && isOn(element, armModuleCallViasProperty, configuration) &&
+    if (!dryRun && longCalls && isOn(element, armModuleCallViasProperty, configuration) &&
         setting(element, armInstructionSetProperty, configuration) == QLatin1String("Thumb"))
         workaroundCallViaBug(assembly);
     assembleObject(job, assembly, {}, !keepAssembly);
@@ -168,9 +168,8 @@ void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QStri
 
     if (!objectFile.isNull()) {
         // The compiler proper takes the dependency file by name, beside the object.
-        command << QStringLiteral("-MD")
-                << dependencyFilePath(objectFile)
-                << QStringLiteral("-MQ") << objectFile;
+        command << QStringLiteral("-MD") << dependencyFilePath(objectFile) << QStringLiteral("-MQ")
+                << objectFile;
         if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
             command << QStringLiteral("-Werror");
         command << (isOn(element, buildQuietlyProperty, configuration) ? QStringLiteral("-quiet")

@@ -1,11 +1,11 @@
 #include "toolchain/armbuildsystem.h"
 
-#include "engine/sidefiles.h"
-#include "engine/diskinterface.h"
 #include "engine/builder.h"
+#include "engine/diskinterface.h"
+#include "engine/sidefiles.h"
 #include "macros/macrosystem.h"
-#include "toolchain/linkerscriptgenerator.h"
 #include "project/projectsystem.h"
+#include "toolchain/linkerscriptgenerator.h"
 
 #include <QFileInfo>
 
@@ -21,7 +21,8 @@ void ARMBuildSystem::archiveCommands(ProjectElement *element, const QString &out
                                      Builder *builder)
 {
     // The archiver adds to a library it finds, so members of earlier builds would stay.
-    disk().removeFile(getAbsPath(projectDirectory, output));
+    if (!dryRun)
+        disk().removeFile(getAbsPath(projectDirectory, output));
     const QStringList command =
         QStringList{toolRoot + QStringLiteral("/ar"), QStringLiteral("-rcs"), output} + inputs;
 
@@ -96,8 +97,8 @@ bool ARMBuildSystem::linkerScript(ProjectElement *project, const QString &config
     if (!useSectionPlacementFileForLink(project, configuration, sectionPlacement))
         sectionPlacement = QString();
     try {
-        script = generateLinkerScript(project, configuration, output, projectDirectory,
-                                      memoryMap, sectionPlacement, builder, clean);
+        script = generateLinkerScript(project, configuration, output, projectDirectory, memoryMap,
+                                      sectionPlacement, builder, clean);
     } catch (const QString &text) {
         builder->error(text);
         return false;
@@ -142,8 +143,7 @@ void ARMBuildSystem::linkCommands(ProjectElement *project, const QString &config
     command << QStringLiteral("-T") + script;
     const bool mapFile = isOn(project, linkerMapFileProperty, configuration);
     if (mapFile)
-        command << QStringLiteral("-Map")
-                << sideFilePath(output, QStringLiteral(".map"));
+        command << QStringLiteral("-Map") << sideFilePath(output, QStringLiteral(".map"));
     const QStringList definitions = setting(project, linkSymbolDefinitionsProperty, configuration)
                                         .split(QLatin1Char(';'), Qt::SkipEmptyParts);
     for (const QString &definition : definitions)
@@ -168,8 +168,7 @@ void ARMBuildSystem::linkCommands(ProjectElement *project, const QString &config
         builder->setOutputFiles({script});
     const QString format = setting(project, linkerOutputFormatProperty, configuration);
     if (format != QLatin1String("None")) {
-        const QString extraFile =
-            sideFilePath(absoluteOutput, QLatin1Char('.') + format);
+        const QString extraFile = sideFilePath(absoluteOutput, QLatin1Char('.') + format);
         builder->setCommand({toolRoot + QStringLiteral("/objcopy"), output, extraFile,
                              objcopyFormatOption(format)});
         builder->setOutputFiles({extraFile});

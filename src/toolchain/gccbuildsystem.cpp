@@ -1,8 +1,8 @@
 #include "toolchain/gccbuildsystem.h"
 
-#include "engine/sidefiles.h"
-#include "engine/dependencyfile.h"
 #include "engine/builder.h"
+#include "engine/dependencyfile.h"
+#include "engine/sidefiles.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -188,8 +188,8 @@ void GCCBuildSystem::linkCommands(ProjectElement *element, const QString &config
     const QString format =
         projectSystem->settingFor(element, linkerOutputFormatProperty, configuration);
     if (format != QLatin1String("None")) {
-        const QString extraFile = sideFilePath(outputInfo.absolutePath(), absoluteOutput,
-                                                 QLatin1Char('.') + format);
+        const QString extraFile =
+            sideFilePath(outputInfo.absolutePath(), absoluteOutput, QLatin1Char('.') + format);
         builder->setCommand(
             {tools + QStringLiteral("objcopy"), output, extraFile, objcopyFormatOption(format)});
         builder->setOutputFiles({extraFile});
@@ -213,27 +213,27 @@ void GCCBuildSystem::archiveCommands(ProjectElement *element, const QString &out
     builder->endGroup(element);
 }
 
-bool GCCBuildSystem::commandUpToDate(ProjectElement *element, const QString &configuration,
-                                     QDateTime targetModified, BuildAction action, Builder *builder,
-                                     bool quiet)
+void GCCBuildSystem::appendCommandProperties(BuildAction action,
+                                             QList<const PropertyClass *> &properties) const
 {
-    if (!StandardBuildSystem::commandUpToDate(element, configuration, targetModified, action,
-                                              builder, quiet))
-        return false;
-    QList<const PropertyClass *> properties;
+    StandardBuildSystem::appendCommandProperties(action, properties);
     switch (action) {
     case ActionCompileC:
     case ActionCompileCpp:
     case ActionAssemble:
-        properties = {gccOptimizationLevelProperty, gccOmitFramePointerProperty};
+        properties << gccOptimizationLevelProperty << gccOmitFramePointerProperty;
         break;
     case ActionLink:
-        properties = {gccEntryPointProperty};
+        properties << gccEntryPointProperty;
         break;
     default:
         break;
     }
-    return propertiesUpToDate(element, configuration, targetModified, properties, builder, quiet);
+}
+
+QStringList GCCBuildSystem::toolSignature()
+{
+    return {QStringLiteral("tool chain root=") + toolChainRoot()};
 }
 
 QString GCCBuildSystem::optimizationOption(const QString &level)
@@ -256,19 +256,6 @@ QString GCCBuildSystem::objcopyFormatOption(const QString &format)
     if (format == QLatin1String("hex"))
         return QStringLiteral("-Oihex");
     return QStringLiteral("-O") + format;
-}
-
-bool GCCBuildSystem::propertiesUpToDate(ProjectElement *element, const QString &configuration,
-                                        const QDateTime &targetModified,
-                                        const QList<const PropertyClass *> &properties,
-                                        Builder *builder, bool quiet)
-{
-    for (const PropertyClass *propertyClass : properties) {
-        if (!projectSystem->upToDate(element, propertyClass, configuration, targetModified, builder,
-                                     quiet))
-            return false;
-    }
-    return true;
 }
 
 QStringList GCCBuildSystem::getObjectFileDependencies(const QString &projectDirectory,

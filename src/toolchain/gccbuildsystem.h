@@ -25,10 +25,11 @@ public:
                           const QString &output, const QString &absoluteOutput,
                           const QStringList &inputs, Builder *builder, bool quiet,
                           bool clean) override;
-    /// The generic test, then this layer's own settings of `action`.
-    bool commandUpToDate(ProjectElement *element, const QString &configuration,
-                         QDateTime targetModified, BuildAction action, Builder *builder,
-                         bool quiet) override;
+    /// The generic settings, then this layer's own settings of `action`.
+    void appendCommandProperties(BuildAction action,
+                                 QList<const PropertyClass *> &properties) const override;
+    /// The tool chain root.
+    QStringList toolSignature() override;
     /// What the compiler's dependency file beside `objectPath` lists; `input` is not read.
     QStringList getObjectFileDependencies(const QString &projectDirectory, const QString &input,
                                           const QString &objectPath) override;
@@ -54,12 +55,6 @@ protected:
     static QString optimizationOption(const QString &level);
     /// The object copier's option that selects the output `format`.
     static QString objcopyFormatOption(const QString &format);
-    /// Whether none of `properties` changed on `element` after `targetModified`; the first
-    /// change is told to `builder` unless `quiet`.
-    static bool propertiesUpToDate(ProjectElement *element, const QString &configuration,
-                                   const QDateTime &targetModified,
-                                   const QList<const PropertyClass *> &properties, Builder *builder,
-                                   bool quiet);
     /// The expanded tool chain root setting; empty without a settings object.
     QString toolChainRoot() const;
     /// Whether the setting of `element` is exactly "Yes".

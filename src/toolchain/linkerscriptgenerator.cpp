@@ -1,10 +1,11 @@
 #include "toolchain/linkerscriptgenerator.h"
 
-#include "engine/sidefiles.h"
+#include "engine/builder.h"
 #include "engine/buildsystem.h"
 #include "engine/diskinterface.h"
+#include "engine/sidefiles.h"
+#include "engine/standardbuildsystem.h"
 #include "foundation/path.h"
-#include "engine/builder.h"
 #include "memorymap/linkerscriptwriter.h"
 #include "memorymap/memorymap.h"
 #include "memorymap/memorymapopenfiles.h"
@@ -32,6 +33,19 @@ QString setting(ProjectElement *project, const char *saveName, const QString &co
         buildSystem->findPropertyClass(QString::fromLatin1(saveName));
     return propertyClass ? projectSystem->settingFor(project, propertyClass, configuration)
                          : QString();
+}
+
+/// What the script is written from, as the build record keeps it: which files, and the values
+/// of the settings.
+QStringList scriptSignature(ProjectElement *project, const QString &configuration,
+                            const QString &memoryMapPath, const QString &sectionPlacementPath)
+{
+    QStringList signature{QStringLiteral("memory map=") + memoryMapPath,
+                          QStringLiteral("section placement=") + sectionPlacementPath};
+    for (const char *saveName : scriptSettings)
+        signature << QLatin1String(saveName) + QLatin1Char('=') +
+                         setting(project, saveName, configuration);
+    return signature;
 }
 
 /// Whether no setting the script is written from changed after `scriptTime`.
@@ -79,8 +93,16 @@ LinkerScriptSizes sizesOf(ProjectElement *project, const QString &configuration)
     return sizes;
 }
 
+/// Whether `path` holds exactly `text`.
+bool fileHolds(const QString &path, const QByteArray &text)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.size() == text.size() && file.readAll() == text;
+}
+
 /// Writes the script to a scratch file beside `script` and puts it in place only when it is
-/// complete, so that no partly written script can pass for a current one.
+/// complete, so that no partly written script can pass for a current one. A script that
+/// already says the same is left alone, so that what depends on its time is not redone.
 void writeScript(ProjectElement *project, const QString &configuration, const QString &script,
                  const QString &memoryMapPath, const QString &sectionPlacementPath,
                  Builder *builder)
@@ -104,16 +126,20 @@ void writeScript(ProjectElement *project, const QString &configuration, const QS
             throw QStringLiteral("cannot load section placement file: ") + sectionPlacementPath;
     }
 
+    QByteArray text;
+    {
+        QTextStream stream(&text);
+        stream.setEncoding(QStringConverter::Latin1);
+        LinkerScriptWriter(stream, map, checkOverflow)
+            .write(placement, sizesOf(project, configuration));
+    }
+    if (buildSystem->dryRun || fileHolds(script, text))
+        return;
     buildSystem->ensureDirExists(script);
     QSaveFile file(script);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+    if (!file.open(QIODevice::WriteOnly))
         throw QStringLiteral("cannot create linker script file: ") + script;
-    QTextStream stream(&file);
-    stream.setEncoding(QStringConverter::Latin1);
-    LinkerScriptWriter(stream, map, checkOverflow)
-        .write(placement, sizesOf(project, configuration));
-    stream.flush();
-    if (stream.status() != QTextStream::Ok || !file.commit())
+    if (file.write(text) != text.size() || !file.commit())
         throw QStringLiteral("cannot write linker script file: ") + script;
 }
 
@@ -130,18 +156,34 @@ QString generateLinkerScript(ProjectElement *project, const QString &configurati
                                         configuration),
         output);
     DiskInterface &disk = buildSystem->disk();
+    // Without any record (the first build after an upgrade) the times alone decide, as they
+    // did; with one, a script made from other files or settings is made again.
+    const QStringList signature =
+        scriptSignature(project, configuration, memoryMapPath, sectionPlacementPath);
+    BuildRecord *record = standardBuildSystem ? &standardBuildSystem->currentRecord() : nullptr;
+    const QStringList *recorded = record ? record->find(script) : nullptr;
+    const bool inputsChanged = record && record->present() && (!recorded || *recorded != signature);
     try {
-        if (scriptIsCurrent(project, configuration, script, memoryMapPath, sectionPlacementPath,
-                            builder) &&
-            !clean)
+        if (!clean && !inputsChanged &&
+            scriptIsCurrent(project, configuration, script, memoryMapPath, sectionPlacementPath,
+                            builder)) {
+            if (record)
+                record->set(script, signature);
             return script;
+        }
         writeScript(project, configuration, script, memoryMapPath, sectionPlacementPath, builder);
     } catch (const QString &) {
         // An earlier script must not stand in for the one that could not be written.
-        QFile::remove(script);
+        if (!buildSystem->dryRun) {
+            QFile::remove(script);
+            if (record)
+                record->remove(script);
+        }
         disk.invalidate(script);
         throw;
     }
     disk.invalidate(script);
+    if (record && !buildSystem->dryRun)
+        record->set(script, signature);
     return script;
 }

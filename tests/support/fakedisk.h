@@ -45,6 +45,13 @@ public:
         erase(path);
         return true;
     }
+    bool writeFile(const QString &path, const QByteArray &data) override
+    {
+        if (!writable)
+            return false;
+        touch(path, 0, data);
+        return true;
+    }
     void invalidate(const QString &) override {}
     void invalidateAll() override {}
 
@@ -53,4 +60,5 @@ public:
     QStringList removed;
     QStringList readOnly; ///< files that can't be removed
     int stats = 0;
+    bool writable = true; ///< whether writeFile succeeds
 };

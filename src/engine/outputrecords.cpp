@@ -1,0 +1,129 @@
+#include "engine/standardbuildsystem.h"
+
+#include "engine/builder.h"
+#include "engine/diskinterface.h"
+#include "project/projectelement.h"
+#include "project/projectsystem.h"
+#include "properties/propertyclass.h"
+
+namespace {
+
+QString entry(const QString &key, const QString &value)
+{
+    return key + QLatin1Char('=') + value;
+}
+
+} // namespace
+
+QStringList StandardBuildSystem::toolSignature()
+{
+    return {};
+}
+
+void StandardBuildSystem::appendGeneratedLinkFiles(ProjectElement *, const QString &,
+                                                   const QString &, QStringList &)
+{
+}
+
+QStringList StandardBuildSystem::commandSignature(ProjectElement *element,
+                                                  const QString &configuration, BuildAction action,
+                                                  const QStringList &inputs)
+{
+    if (m_recordSerial != buildSerial()) {
+        // The tools can't change within a build; asking once keeps the settings store off
+        // the path that every file takes.
+        m_toolSignature = toolSignature();
+        m_recordSerial = buildSerial();
+    }
+    const QList<const PropertyClass *> properties = commandProperties(action);
+    QStringList signature;
+    signature.reserve(properties.size() + m_toolSignature.size() + inputs.size() + 2);
+    for (const PropertyClass *property : properties)
+        signature << entry(property->saveName(),
+                           projectSystem->settingFor(element, property, configuration));
+    signature += m_toolSignature;
+    for (const QString &input : inputs)
+        signature << entry(QStringLiteral("input"), input);
+    if (action == ActionLink) {
+        QStringList controlFiles;
+        appendLinkControlFiles(element, configuration, controlFiles, false);
+        for (const QString &file : controlFiles)
+            signature << entry(QStringLiteral("control"), file);
+    }
+    return signature;
+}
+
+bool StandardBuildSystem::recordUpToDate(const QString &output, const QStringList &signature,
+                                         Builder *builder, bool quiet)
+{
+    if (!m_record.present()) {
+        m_record.set(output, signature);
+        return true;
+    }
+    const QStringList *recorded = m_record.find(output);
+    const QString difference =
+        recorded ? BuildRecord::firstDifference(*recorded, signature) : QStringLiteral("*");
+    if (difference.isNull())
+        return true;
+    if (!quiet && builder)
+        builder->message(recorded ? recordDifference(output, difference)
+                                  : QLatin1Char('\'') + output +
+                                        QStringLiteral("' has no record of how it was made."));
+    return false;
+}
+
+QString StandardBuildSystem::recordDifference(const QString &output, const QString &key) const
+{
+    if (key == QLatin1String("input"))
+        return QStringLiteral("The input files of '") + output + QStringLiteral("' have changed.");
+    if (key == QLatin1String("control"))
+        return QStringLiteral("The linker control files of '") + output +
+               QStringLiteral("' have changed.");
+    if (const PropertyClass *property = findPropertyClass(key))
+        return property->shortDescription() + QStringLiteral(" property has changed.");
+    if (const PropertyClass *property = projectSystem->findPropertyClass(key))
+        return property->shortDescription() + QStringLiteral(" property has changed.");
+    if (key == QLatin1String("*"))
+        return QLatin1Char('\'') + output + QStringLiteral("' was made with other settings.");
+    return QStringLiteral("The ") + key + QStringLiteral(" has changed.");
+}
+
+void StandardBuildSystem::recordCommand(const QString &output, const QStringList &signature)
+{
+    if (errorOccurred || stopRequested)
+        m_record.remove(output);
+    else
+        m_record.set(output, signature);
+}
+
+void StandardBuildSystem::openRecord(ProjectElement *element, const QString &configuration,
+                                     Builder *builder, bool quiet)
+{
+    ProjectElement *project = ProjectSystem::projectContaining(element);
+    if (!project)
+        return;
+    const QString name = project->attribute(QStringLiteral("Name"));
+    const QString path = buildRecordPath(
+        buildDirectory + QLatin1Char('/') +
+            settingForExpanded(project, buildIntermediateDirectoryProperty, configuration),
+        name, configuration);
+    if (path == m_record.path() && m_recordLoadedSerial == buildSerial())
+        return;
+    saveRecord(builder, quiet);
+    if (m_recordLoadedSerial != buildSerial())
+        m_recordWriteReported = false;
+    m_record.load(disk(), path, name, configuration);
+    m_recordLoadedSerial = buildSerial();
+}
+
+void StandardBuildSystem::saveRecord(Builder *builder, bool quiet)
+{
+    if (!m_record.changed() || dryRun)
+        return;
+    if (m_record.save(disk()) || m_recordWriteReported)
+        return;
+    m_recordWriteReported = true;
+    if (!quiet && builder)
+        builder->message(QStringLiteral("cannot write the build record ") + m_record.path() +
+                         QStringLiteral(": changed settings will not be seen by later builds."));
+}

@@ -1,0 +1,221 @@
+#include "support/faketoolchain.h"
+#include "support/testsupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace {
+
+const QByteArray memoryMap = "<!DOCTYPE Board_Memory_Definition_File>\n"
+                             "<Root name=\"B\">\n"
+                             "  <MemorySegment name=\"RAM\" start=\"0x0\" size=\"0x10000\"/>\n"
+                             "</Root>\n";
+QByteArray placement(const char *section)
+{
+    return QByteArray("<!DOCTYPE Linker_Placement_File>\n<Root name=\"B\">\n"
+                      "  <MemorySegment name=\"RAM\">\n"
+                      "    <ProgramSection name=\"") +
+           section +
+           "\" load=\"Yes\"/>\n"
+           "    <ProgramSection name=\".stack\" size=\"__STACKSIZE__\"/>\n"
+           "  </MemorySegment>\n</Root>\n";
+}
+
+/// An application on a library, built by the program with a fake tool chain, its linker script
+/// written from a memory map and a section placement; `appSettings` go on the application.
+QByteArray solution(const QByteArray &appSettings = "", const QByteArray &libFiles = "")
+{
+    return solutionText("  <configuration Name=\"Debug\"/>\n"
+                        "  <project Name=\"app\">\n"
+                        "    <configuration Name=\"Common\" project_directory=\"app\""
+                        " project_type=\"Executable\" project_dependencies=\"lib\""
+                        " linker_memory_map_file=\"map.xml\""
+                        " linker_section_placement_file=\"placement.xml\" " +
+                        appSettings +
+                        "/>\n"
+                        "    <file file_name=\"main.c\"/>\n"
+                        "    <file file_name=\"util.c\"/>\n"
+                        "  </project>\n"
+                        "  <project Name=\"lib\">\n"
+                        "    <configuration Name=\"Common\" project_directory=\"lib\""
+                        " project_type=\"Library\"/>\n"
+                        "    <file file_name=\"a.c\"/>\n" +
+                        libFiles + "  </project>\n");
+}
+
+class Incremental : public ::testing::Test
+{
+protected:
+    Incremental()
+    {
+        work.write("s.hdp", solution());
+        for (const char *source : {"app/main.c", "app/util.c", "lib/a.c", "lib/b.c"})
+            work.write(source, "int x;\n");
+        work.write("app/map.xml", memoryMap);
+        work.write("app/placement.xml", placement(".text"));
+    }
+
+    /// Builds in "Debug" with `options`; the tools that ran, one "tool output" each for the
+    /// assembler, archiver and linker ("as main.o", "ar lib.a", "ld app.elf").
+    QStringList build(const QStringList &options = {})
+    {
+        last = runTidemake(QStringList{"-config", "Debug", "-BenchDir", tools.benchDir()} +
+                               options + QStringList{"s.hdp"},
+                           work.path(), settings.path(), tools.environment());
+        EXPECT_EQ(last.exitCode, 0);
+        QStringList ran;
+        static const QRegularExpression output(QStringLiteral("(?:-o |ar \\S+ )(\\S+)"));
+        for (const QString &line : tools.take()) {
+            const QString tool = line.section(' ', 0, 0);
+            if (tool == "as" || tool == "ar" || tool == "ld")
+                ran << tool + " " + QFileInfo(output.match(line).captured(1)).fileName();
+        }
+        return ran;
+    }
+    /// Every file below the work directory with its size and time to the millisecond.
+    QStringList listing()
+    {
+        QStringList files;
+        QDirIterator it(work.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QFileInfo info(it.next());
+            files << info.filePath() + " " + QString::number(info.size()) + " " +
+                         QString::number(info.lastModified().toMSecsSinceEpoch());
+        }
+        files.sort();
+        return files;
+    }
+    QString script() { return QString::fromLatin1(work.read("app/Debug/app.ld")); }
+
+    ScratchDir work;
+    ScratchDir settings;
+    FakeToolChain tools{work};
+    RunResult last;
+};
+
+TEST_F(Incremental, EachKindOfChangeRebuildsWhatItReaches)
+{
+    const QStringList all = build();
+    EXPECT_EQ(all.size(), 5) << all.join(", ").toStdString();
+    EXPECT_EQ(build(), QStringList{});
+
+    struct Case
+    {
+        const char *what;
+        QByteArray appSettings;
+        QStringList rebuilt;
+    };
+    const Case cases[] = {
+        {"a definition",
+         "c_preprocessor_definitions=\"DEBUG\"",
+         {"as main.o", "as util.o", "ld app.elf"}},
+        {"an include directory",
+         "c_user_include_directories=\"inc\"",
+         {"as main.o", "as util.o", "ld app.elf"}},
+        {"the optimisation level",
+         "gcc_optimization_level=\"Level 2\"",
+         {"as main.o", "as util.o", "ld app.elf"}},
+        {"the stack size", "arm_linker_stack_size=\"2048\"", {"ld app.elf"}},
+    };
+    // Each change comes on top of the ones before.
+    QByteArray settings;
+    for (const Case &c : cases) {
+        settings += " " + c.appSettings;
+        work.write("s.hdp", solution(settings));
+        QStringList ran = build(), expected = c.rebuilt;
+        ran.sort();
+        expected.sort();
+        EXPECT_EQ(ran, expected) << c.what;
+        EXPECT_EQ(build(), QStringList{}) << c.what;
+    }
+    EXPECT_TRUE(script().contains("__STACKSIZE__ = 2048;")) << script().toStdString();
+}
+
+TEST_F(Incremental, TheLinkerScriptFollowsItsInputs)
+{
+    build();
+    const QDateTime written = QFileInfo(work.file("app/Debug/app.ld")).lastModified();
+
+    // A file edited to say the same thing relinks, but the script keeps its time.
+    work.write("app/placement.xml", placement(".text"));
+    EXPECT_EQ(build(), QStringList{"ld app.elf"});
+    EXPECT_EQ(QFileInfo(work.file("app/Debug/app.ld")).lastModified(), written);
+
+    work.write("app/other.xml", placement(".data"));
+    work.write("s.hdp", solution("", "").replace("placement.xml", "other.xml"));
+    EXPECT_EQ(build(), QStringList{"ld app.elf"});
+    EXPECT_TRUE(script().contains(".data")) << script().toStdString();
+
+    QFile::remove(work.file("app/Debug/app.ld"));
+    EXPECT_EQ(build(), QStringList{"ld app.elf"});
+    EXPECT_TRUE(QFileInfo::exists(work.file("app/Debug/app.ld")));
+
+    // Edited by hand and nothing else changed: kept as it stands.
+    work.write("app/Debug/app.ld", "hand made\n");
+    build();
+    EXPECT_EQ(script(), "hand made\n");
+}
+
+TEST_F(Incremental, AddingOrRemovingAFileRebuildsTheLibrary)
+{
+    build();
+    work.write("s.hdp", solution("", "    <file file_name=\"b.c\"/>\n"));
+    EXPECT_EQ(build(), (QStringList{"as b.o", "ar lib.a", "ld app.elf"}));
+    work.write("s.hdp", solution());
+    EXPECT_EQ(build(), (QStringList{"ar lib.a", "ld app.elf"}));
+    EXPECT_EQ(build(), QStringList{});
+}
+
+TEST_F(Incremental, ARecordThatCantBeTrustedRebuilds)
+{
+    build();
+    const QDir intermediate(work.file("lib/Debug"));
+    const QStringList records =
+        intermediate.entryList({".tidemake-*.record"}, QDir::Hidden | QDir::Files);
+    ASSERT_EQ(records.size(), 1);
+    const QString record = intermediate.filePath(records.first());
+    const QDateTime written = QFileInfo(record).lastModified();
+    EXPECT_EQ(build(), QStringList{});
+    EXPECT_EQ(QFileInfo(record).lastModified(), written) << "a no-op build writes nothing";
+
+    const QByteArray damaged[] = {"", "tidemake build record 1\tlib\tDebug", "garbage\n",
+                                  QByteArray("tidemake build record 1\tlib\tRelease\n"),
+                                  QByteArray(100000, '\0')};
+    for (const QByteArray &text : damaged) {
+        QFile file(record);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        EXPECT_EQ(build(), (QStringList{"as a.o", "ar lib.a", "ld app.elf"}))
+            << text.left(40).data();
+    }
+    // The configurations of one directory keep records of their own.
+    EXPECT_EQ(intermediate.entryList({".tidemake-*.record"}, QDir::Hidden | QDir::Files).size(), 1);
+}
+
+TEST_F(Incremental, ADryRunTouchesNothing)
+{
+    build();
+    work.write("s.hdp", solution("c_preprocessor_definitions=\"X\" arm_linker_stack_size=\"64\""));
+    const QStringList before = listing();
+    for (const QStringList &options : {QStringList{"-show"}, QStringList{"-show", "-rebuild"},
+                                       QStringList{"-show", "-clean", "-verbose"}}) {
+        build(options);
+        EXPECT_EQ(listing(), before) << options.join(' ').toStdString();
+        EXPECT_TRUE(last.out.contains("Generating linker script") || options.contains("-clean"))
+            << last.out.toStdString();
+    }
+    QDir(work.path()).removeRecursively();
+    QDir().mkpath(work.path());
+    work.write("s.hdp", solution());
+    build({"-show"});
+    EXPECT_EQ(listing().size(), 1) << listing().join(QLatin1Char(10)).toStdString();
+}
+
+} // namespace

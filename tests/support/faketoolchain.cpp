@@ -1,0 +1,47 @@
+#include "support/faketoolchain.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+namespace {
+
+const QByteArray fakeTool = R"(#!/bin/sh
+tool=${0##*/}
+echo "$tool $*" >> "$FAKE_TOOL_LOG"
+prev=
+for arg in "$@"; do
+  case "$prev" in -o|-MD|-Map) : > "$arg" ;; esac
+  prev=$arg
+done
+case "$tool" in ar|objcopy) : > "$2" ;; esac
+case " $FAKE_TOOL_FAIL " in *" $tool "*) exit 1 ;; esac
+exit 0
+)";
+
+} // namespace
+
+FakeToolChain::FakeToolChain(const ScratchDir &scratch, const QString &directory)
+    : m_scratch(scratch), m_benchDir(scratch.file(directory))
+{
+    for (const char *tool : {"cc1", "cc1plus", "as", "ld", "ar", "objcopy"}) {
+        const QString path =
+            scratch.write(directory + QStringLiteral("/gcc/bin/") + tool, fakeTool);
+        QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeOwner);
+    }
+}
+
+QStringList FakeToolChain::environment(const QString &failing) const
+{
+    return {QStringLiteral("FAKE_TOOL_LOG=") + m_scratch.file(QStringLiteral("tools.log")),
+            QStringLiteral("FAKE_TOOL_FAIL=") + failing};
+}
+
+QStringList FakeToolChain::take()
+{
+    QString log = QString::fromLocal8Bit(m_scratch.read(QStringLiteral("tools.log")));
+    QFile::remove(m_scratch.file(QStringLiteral("tools.log")));
+    log.replace(m_scratch.path(), QStringLiteral("@"));
+    // Scratch files have a fresh random name each run.
+    log.replace(QRegularExpression(QStringLiteral("/tmp/file\\w{6}")), QStringLiteral("TMP"));
+    return log.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
