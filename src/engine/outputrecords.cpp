@@ -2,6 +2,7 @@
 
 #include "engine/builder.h"
 #include "engine/diskinterface.h"
+#include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
 #include "properties/propertyclass.h"
@@ -17,7 +18,12 @@ QString entry(const QString &key, const QString &value)
 
 QStringList StandardBuildSystem::toolSignature()
 {
-    return {};
+    // Settings may name global macros, and -D changes them between runs.
+    QStringList signature;
+    const MacroSystem::MacroMap globals = macroSystem.globalMacros(false);
+    for (auto it = globals.cbegin(); it != globals.cend(); ++it)
+        signature << QStringLiteral("global macro ") + it.key() + QLatin1Char('=') + it.value();
+    return signature;
 }
 
 void StandardBuildSystem::appendGeneratedLinkFiles(ProjectElement *, const QString &,
@@ -79,6 +85,8 @@ QString StandardBuildSystem::recordDifference(const QString &output, const QStri
     if (key == QLatin1String("control"))
         return QStringLiteral("The linker control files of '") + output +
                QStringLiteral("' have changed.");
+    if (key.startsWith(QLatin1String("global macro ")))
+        return QStringLiteral("The ") + key + QStringLiteral(" has changed.");
     if (const PropertyClass *property = findPropertyClass(key))
         return property->shortDescription() + QStringLiteral(" property has changed.");
     if (const PropertyClass *property = projectSystem->findPropertyClass(key))

@@ -233,7 +233,8 @@ void GCCBuildSystem::appendCommandProperties(BuildAction action,
 
 QStringList GCCBuildSystem::toolSignature()
 {
-    return {QStringLiteral("tool chain root=") + toolChainRoot()};
+    return StandardBuildSystem::toolSignature()
+           << QStringLiteral("tool chain root=") + toolChainRoot();
 }
 
 QString GCCBuildSystem::optimizationOption(const QString &level)

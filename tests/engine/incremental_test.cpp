@@ -62,9 +62,10 @@ protected:
 
     /// Builds in "Debug" with `options`; the tools that ran, one "tool output" each for the
     /// assembler, archiver and linker ("as main.o", "ar lib.a", "ld app.elf").
-    QStringList build(const QStringList &options = {})
+    QStringList build(const QStringList &options = {}, const QString &benchDir = QString())
     {
-        last = runTidemake(QStringList{"-config", "Debug", "-BenchDir", tools.benchDir()} +
+        last = runTidemake(QStringList{"-config", "Debug", "-BenchDir",
+                                       benchDir.isEmpty() ? tools.benchDir() : benchDir} +
                                options + QStringList{"s.hdp"},
                            work.path(), settings.path(), tools.environment());
         EXPECT_EQ(last.exitCode, 0);
@@ -135,6 +136,12 @@ TEST_F(Incremental, EachKindOfChangeRebuildsWhatItReaches)
         EXPECT_EQ(build(), QStringList{}) << c.what;
     }
     EXPECT_TRUE(script().contains("__STACKSIZE__ = 2048;")) << script().toStdString();
+
+    // What is outside the solution: the tools and the global macros.
+    const FakeToolChain otherTools(work, "other");
+    EXPECT_EQ(build({}, otherTools.benchDir()).size(), 5);
+    EXPECT_EQ(build({"-D", "V=1"}, otherTools.benchDir()).size(), 5);
+    EXPECT_EQ(build({}, otherTools.benchDir()), QStringList{});
 }
 
 TEST_F(Incremental, TheLinkerScriptFollowsItsInputs)
