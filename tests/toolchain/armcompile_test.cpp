@@ -31,15 +31,14 @@ TEST_F(ARMTest, CompileThroughAScratchOrAKeptAssemblyFile)
                             "command rm TMP\noutputs \ndoit\nend");
 
     // A kept assembly file lies beside the object and is not removed.
-    run(mainC, ActionCompileC, {{"arm_keep_assembly", "Yes"}}, "Debug/main.o", {"src/main.c"});
+    run(mainC, ActionCompileC, {"arm_keep_assembly=Yes"}, "Debug/main.o", {"src/main.c"});
     EXPECT_EQ(events(), "init\ndir @\ngroup Compiling main.c\n" + cc1 +
                             "@/Debug/main.asm\noutputs @/Debug/main.asm\ndoit\n" + as +
                             "@/Debug/main.asm -o Debug/main.o\noutputs @/Debug/main.o\ndoit\nend");
 
     // Renamed default sections add the object copier; the vector section is not renamed.
-    const Settings sections = {{"default_code_section", ".text2"},
-                               {"default_const_section", ".ro"},
-                               {"default_vector_section", ".vec"}};
+    const Settings sections = {"default_code_section=.text2", "default_const_section=.ro",
+                               "default_vector_section=.vec"};
     run(mainC, ActionCompileC, sections, "Debug/main.o", {"src/main.c"});
     EXPECT_TRUE(events().endsWith(
         "command rm TMP\noutputs \ndoit\ncommand /tc/objcopy --rename-section .text=.text2 "
@@ -58,34 +57,29 @@ TEST_F(ARMTest, CompileThroughAScratchOrAKeptAssemblyFile)
 
 TEST_F(ARMTest, CompilerCommandLines)
 {
-    run(libCpp, ActionCompileCpp, {{"c_enforce_ansi_checking", "Yes"}}, "Debug/o.o", {"/x/y"});
+    run(libCpp, ActionCompileCpp, {"c_enforce_ansi_checking=Yes"}, "Debug/o.o", {"/x/y"});
     EXPECT_EQ(firstCommand(), "/tc/cc1plus -fno-exceptions -fno-rtti -fmessage-length=0 " +
                                   armOptions + " " + preprocessorOptions("o") +
                                   " -gdwarf-2 -std=c++98 -fno-builtin /x/y -o TMP");
     run(mainC, ActionCompileC,
-        {{"build_debug_information", "No"},
-         {"build_quietly", "No"},
-         {"build_treat_warnings_as_errors", "Yes"},
-         {"c_enforce_ansi_checking", "Yes"},
-         {"gcc_optimization_level", "Level 2"},
-         {"gcc_omit_frame_pointer", "Yes"},
-         {"arm_long_calls", "Yes"},
-         {"build_remove_unused_symbols", "Yes"}},
+        {"build_debug_information=No", "build_quietly=No", "build_treat_warnings_as_errors=Yes",
+         "c_enforce_ansi_checking=Yes", "gcc_optimization_level=Level 2",
+         "gcc_omit_frame_pointer=Yes", "arm_long_calls=Yes", "build_remove_unused_symbols=Yes"},
         "Debug/o.o", {"/x/y"});
     EXPECT_EQ(firstCommand(), "/tc/cc1 -fmessage-length=0 " + armOptions +
                                   " -nostdinc -isystem/bench/include -I. -D__ARM_ARCH_4T__ "
                                   "-D__HALDEN_ARM -MD Debug/o.d -MQ Debug/o.o -Werror -v -std=c99 "
                                   "-O2 -fomit-frame-pointer -mlong-calls -fno-builtin "
                                   "-ffunction-sections /x/y -o TMP");
-    run(libCpp, ActionCompileCpp, {{"cpp_enable_exceptions", "Yes"}, {"cpp_enable_rtti", "Yes"}},
-        "Debug/o.o", {"/x/y"});
+    run(libCpp, ActionCompileCpp, {"cpp_enable_exceptions=Yes", "cpp_enable_rtti=Yes"}, "Debug/o.o",
+        {"/x/y"});
     EXPECT_TRUE(firstCommand().startsWith("/tc/cc1plus -fmessage-length=0 "));
 }
 
 TEST_F(ARMTest, AssembleThroughThePreprocessor)
 {
-    run(startS, ActionAssemble, {{"asm_additional_options", "-mapcs;--defsym X=1"}},
-        "Debug/start.o", {"start.s"});
+    run(startS, ActionAssemble, {"asm_additional_options=-mapcs;--defsym X=1"}, "Debug/start.o",
+        {"start.s"});
     EXPECT_EQ(events(), "init\ndir @\ngroup Assembling start.s\ncommand /tc/cc1 -E " + armOptions +
                             " " + preprocessorOptions("start") +
                             " -lang-asm @/start.s -o TMP\ndoit\ncommand /tc/as "
@@ -97,8 +91,8 @@ TEST_F(ARMTest, AssembleThroughThePreprocessor)
     // Without debug information the preprocessor drops line markers and the assembler its
     // debug option; warnings as errors reach both.
     run(startS, ActionAssemble,
-        {{"build_debug_information", "No"}, {"build_treat_warnings_as_errors", "Yes"}},
-        "Debug/start.o", {"start.s"});
+        {"build_debug_information=No", "build_treat_warnings_as_errors=Yes"}, "Debug/start.o",
+        {"start.s"});
     EXPECT_TRUE(builder.commands.value(0).startsWith("/tc/cc1 -E -P -march"));
     EXPECT_TRUE(builder.commands.value(0).contains("-Werror -quiet -lang-asm"));
     EXPECT_TRUE(builder.commands.value(1).endsWith("-o Debug/start.o --fatal-warnings"));
@@ -106,33 +100,26 @@ TEST_F(ARMTest, AssembleThroughThePreprocessor)
     // A failed preprocessor doesn't stop the assembler or the removal; then the group stays
     // open.
     builder.failOn = "/cc1";
-    run(startS, ActionAssemble, {{"default_data_section", ".d2"}}, "Debug/start.o", {"start.s"});
+    run(startS, ActionAssemble, {"default_data_section=.d2"}, "Debug/start.o", {"start.s"});
     EXPECT_EQ(builder.commands.size(), 3);
     EXPECT_NE(builder.events.last(), "end");
 }
 
 TEST_F(ARMTest, PreprocessorOptionsWithGroupDefinitions)
 {
-    propertyValueGroups.setGroupFile(
-        scratch.write("groups.xml", "<!DOCTYPE Property_Groups>\n<propertyGroups>\n"
-                                    "  <group name=\"board\" default=\"big\">\n"
-                                    "    <groupEntry name=\"big\">\n"
-                                    "      <cdefine name=\"BOARD\" value=\"2\"/>\n"
-                                    "      <cdefine name=\"CLOCK\" value=\"72\""
-                                    " configuration=\"Release\"/>\n"
-                                    "    </groupEntry>\n"
-                                    "    <groupEntry name=\"small\"><cdefine name=\"SMALL\""
-                                    " value=\"1\"/></groupEntry>\n"
-                                    "  </group>\n"
-                                    "  <group name=\"chip\" default=\"m3\">\n"
-                                    "    <groupEntry name=\"m3\"><cdefine name=\"CHIP\""
-                                    " value=\"\"/></groupEntry>\n"
-                                    "  </group>\n</propertyGroups>\n"));
-    set(app, {{"c_user_include_directories", "inc;$(ProjectName)/x"},
-              {"c_system_include_directories", "$(BenchDir)/include;;sys"},
-              {"c_preprocessor_definitions", "A=1;B"},
-              {"c_preprocessor_undefinitions", "C"},
-              {"c_additional_options", "-Wall;-DX=a b"}});
+    propertyValueGroups.setGroupFile(scratch.write(
+        "groups.xml",
+        "<!DOCTYPE Property_Groups>\n<propertyGroups>\n<group name=\"board\" default=\"big\">\n"
+        "  <groupEntry name=\"big\"><cdefine name=\"BOARD\" value=\"2\"/>\n"
+        "    <cdefine name=\"CLOCK\" value=\"72\" configuration=\"Release\"/></groupEntry>\n"
+        "  <groupEntry name=\"small\"><cdefine name=\"SMALL\" value=\"1\"/></groupEntry>\n"
+        "</group>\n<group name=\"chip\" default=\"m3\">\n"
+        "  <groupEntry name=\"m3\"><cdefine name=\"CHIP\" value=\"\"/></groupEntry>\n"
+        "</group>\n</propertyGroups>\n"));
+    set(app, {"c_user_include_directories=inc;$(ProjectName)/x",
+              "c_system_include_directories=$(BenchDir)/include;;sys",
+              "c_preprocessor_definitions=A=1;B", "c_preprocessor_undefinitions=C",
+              "c_additional_options=-Wall;-DX=a b"});
     auto options = [&](const QString &objectFile) {
         QStringList command;
         system->addPreprocessorOptions(mainC, debug, objectFile, command);
@@ -147,35 +134,31 @@ TEST_F(ARMTest, PreprocessorOptionsWithGroupDefinitions)
 
     // The entry chosen decides the definitions; a null object file wants no dependency file;
     // the dependency file is named up to the object's first dot.
-    set(app, {{"board", "small"}, {"arm_architecture", "v7M"}});
+    set(app, {"board=small", "arm_architecture=v7M"});
     EXPECT_EQ(options(QString()), includes + "-D__ARM_ARCH_7M__ -D__HALDEN_ARM -DSMALL=1 -DCHIP=" +
                                       user + "-Wall -DX=a b");
     EXPECT_TRUE(options("x.y.o").contains(" -MD ./x.d -MQ x.y.o "));
 
     // Undefining all drops the predefinitions, not the user's; ignoring includes drops those.
-    set(mainC, {{"c_undefine_all_preprocessor_definitions", "Yes"}, {"c_ignore_includes", "Yes"}});
+    set(mainC, {"c_undefine_all_preprocessor_definitions=Yes", "c_ignore_includes=Yes"});
     EXPECT_EQ(options(QString()), "-nostdinc -undef" + user + "-Wall -DX=a b");
     propertyValueGroups.setGroupFile("None");
 }
 
 TEST_F(ARMTest, CallViaStubsForThumbLongCalls)
 {
-    const QByteArray source = "\tbl\t_call_via_r3\n"
-                              "  mov r0, r1\n"
-                              "bl    _call_via_r3\n"
-                              "bl _call_via_fp\n"
-                              "bl _call_via_r3 @ other form\n"
-                              "blx _call_via_sp\n"
-                              "bl _call_via_x";
+    const QByteArray source = "\tbl\t_call_via_r3\n  mov r0, r1\nbl    _call_via_r3\n"
+                              "bl _call_via_fp\nbl _call_via_r3 @ other form\n"
+                              "blx _call_via_sp\nbl _call_via_x";
     scratch.write("app/Debug/main.asm", source);
-    Settings thumbLongCalls = {
-        {"arm_keep_assembly", "Yes"}, {"arm_instruction_set", "Thumb"}, {"arm_long_calls", "Yes"}};
+    Settings thumbLongCalls = {"arm_keep_assembly=Yes", "arm_instruction_set=Thumb",
+                               "arm_long_calls=Yes"};
 
     // Without the module's own stubs asked for, the assembly stays as the compiler wrote it.
     run(mainC, ActionCompileC, thumbLongCalls, "Debug/main.o", {"src/main.c"});
     EXPECT_EQ(scratch.read("app/Debug/main.asm"), source);
     // Each used register once, in the table's order, behind every line kept.
-    thumbLongCalls.push_back({"arm_module_call_vias", "Yes"});
+    thumbLongCalls.push_back("arm_module_call_vias=Yes");
     run(mainC, ActionCompileC, thumbLongCalls, "Debug/main.o", {"src/main.c"});
     EXPECT_EQ(scratch.read("app/Debug/main.asm"),
               source + "\n  .text\n  .thumb_func\n  .align 2\n_call_via_fp:\n  bx fp\n  nop\n"
@@ -203,25 +186,29 @@ TEST_F(ARMTest, SettingsThatOutdateACommand)
     auto upToDate = [&](ProjectElement *element, BuildAction action) {
         return system->commandUpToDate(element, debug, before, action, &builder, false);
     };
-    set(mainC, {{"arm_fpu_type", "VFP9"}});
-    set(app, {{"arm_linker_heap_size", "4096"}});
+    // The compiler's settings don't reach the link, nor the library's and the link's the
+    // compile; unused symbol removal reaches the compile, the entry point the link.
+    set(lib, {"arm_long_calls=Yes", "gcc_optimization_level=Level 2"});
+    EXPECT_TRUE(upToDate(lib, ActionLink));
+    set(startS, {"arm_library_instruction_set=Thumb", "gcc_entry_point=start"});
+    EXPECT_TRUE(upToDate(startS, ActionAssemble));
+    set(startS, {"build_remove_unused_symbols=Yes"});
+    EXPECT_FALSE(upToDate(startS, ActionAssemble));
+    set(lib, {"gcc_entry_point=start"});
+    EXPECT_FALSE(upToDate(lib, ActionLink));
+
+    // Each layer's settings, inherited or the element's own, the GCC layer's before the ARM
+    // layer's; nothing said when asked quietly.
+    set(app, {"gcc_omit_frame_pointer=Yes", "arm_linker_heap_size=4096"});
+    set(mainC, {"arm_fpu_type=VFP9"});
     EXPECT_FALSE(upToDate(mainC, ActionCompileC));
-    EXPECT_TRUE(upToDate(libCpp, ActionCompileCpp));
     EXPECT_FALSE(upToDate(app, ActionLink));
     EXPECT_TRUE(upToDate(app, ActionArchive));
-    EXPECT_EQ(builder.messages, QStringList({"ARM FPU Type property has changed.",
+    EXPECT_FALSE(system->commandUpToDate(mainC, debug, before, ActionCompileC, &builder, true));
+    EXPECT_EQ(builder.messages, QStringList({"Enable Unused Symbol Removal property has changed.",
+                                             "Entry Point property has changed.",
+                                             "Omit Frame Pointer property has changed.",
                                              "Heap Size property has changed."}));
     EXPECT_TRUE(system->commandUpToDate(mainC, debug, before.addSecs(7200), ActionCompileC,
                                         &builder, false));
-
-    // The compiler's settings don't reach the link, and the library ones not the compile;
-    // unused symbol removal reaches both.
-    set(lib, {{"arm_long_calls", "Yes"}});
-    EXPECT_TRUE(upToDate(lib, ActionLink));
-    set(startS, {{"arm_library_instruction_set", "Thumb"}});
-    EXPECT_TRUE(upToDate(startS, ActionAssemble));
-    set(lib, {{"build_remove_unused_symbols", "Yes"}});
-    set(startS, {{"build_remove_unused_symbols", "Yes"}});
-    EXPECT_FALSE(upToDate(startS, ActionAssemble));
-    EXPECT_FALSE(upToDate(lib, ActionLink));
 }

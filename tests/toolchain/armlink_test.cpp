@@ -32,31 +32,24 @@ TEST_F(ARMTest, DefaultLinkLineAndSequence)
 
     // An additional output format goes through the object copier, in the same group; only the
     // last dot of the output starts its extension.
-    run(app, ActionLink, {{"linker_output_format", "hex"}, {"linker_map_file", "No"}},
-        "out/x.y.elf", inputs);
+    run(app, ActionLink, {"linker_output_format=hex", "linker_map_file=No"}, "out/x.y.elf", inputs);
     EXPECT_TRUE(events().endsWith("doit\ncommand /tc/objcopy out/x.y.elf @/out/x.y.hex "
                                   "-Oihex\noutputs @/out/x.y.hex\ndoit\nend"));
 
     // A failed link ends the sequence with its group open.
     builder.failOn = "/ld";
-    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", inputs);
+    run(app, ActionLink, {"linker_output_format=bin"}, "Debug/App.elf", inputs);
     EXPECT_TRUE(events().endsWith("outputs @/Debug/App.elf\ndoit")) << events().toStdString();
 }
 
 TEST_F(ARMTest, LinkOptionsOfTheSettings)
 {
     run(app, ActionLink,
-        {{"link_include_standard_libraries", "No"},
-         {"linker_map_file", "No"},
-         {"build_quietly", "No"},
-         {"build_treat_warnings_as_errors", "Yes"},
-         {"arm_linker_no_warn_on_mismatch", "Yes"},
-         {"linker_additional_options", "--verbose;-z max"},
-         {"arm_endian", "Big"},
-         {"build_remove_unused_symbols", "Yes"},
-         {"gcc_entry_point", "start"},
-         {"link_symbol_definitions", "a=1;;b=0x2"},
-         {"linker_keep_symbols", "x;y"}},
+        {"link_include_standard_libraries=No", "linker_map_file=No", "build_quietly=No",
+         "build_treat_warnings_as_errors=Yes", "arm_linker_no_warn_on_mismatch=Yes",
+         "linker_additional_options=--verbose;-z max", "arm_endian=Big",
+         "build_remove_unused_symbols=Yes", "gcc_entry_point=start",
+         "link_symbol_definitions=a=1;;b=0x2", "linker_keep_symbols=x;y"},
         "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(firstCommand(), "/tc/ld -X -nostdlib -estart --omagic -v --fatal-warnings "
                               "--no-warn-mismatch --verbose \"-z max\" -EB --gc-sections "
@@ -66,46 +59,47 @@ TEST_F(ARMTest, LinkOptionsOfTheSettings)
     EXPECT_EQ(builder.command.mid(builder.command.indexOf("--defsym"), 2),
               QStringList({"--defsym", "a=1"}));
     // Warnings are errors if either setting says so.
-    run(app, ActionLink, {{"arm_linker_treat_warnings_as_errors", "No"}}, "Debug/App.elf", {});
+    run(app, ActionLink, {"arm_linker_treat_warnings_as_errors=No"}, "Debug/App.elf", {});
     EXPECT_FALSE(builder.command.contains("--fatal-warnings"));
 }
 
 TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
 {
-    const struct
-    {
-        Settings settings;
-        const char *libraries;
-    } cases[] = {
-        {{{"arm_target_debug_interface_type", "ADIv5"}, {"link_IOLibraryName", "debug"}},
-         "libadiv5 %1 libc_debugio_impl lib_vfprintf_long lib_vfscanf_long"},
-        {{{"arm_target_debug_interface_type", "XScale7BitIR"}, {"link_IOLibraryName", "none"}},
-         "libxscale %1 lib_vfprintf_long lib_vfscanf_long"},
-        {{{"cpp_enable_rtti", "Yes"}, {"linker_printf_fp_enabled", "Yes"}},
+    // The variants of printf and scanf: floating point brings everything, width and precision
+    // included; "int" shares the library of "long".
+    const std::pair<Settings, const char *> cases[] = {
+        {{"arm_target_debug_interface_type=ADIv5", "link_IOLibraryName=debug",
+          "linker_printf_fmt_level=long long", "linker_scanf_fmt_level=long long"},
+         "libadiv5 %1 libc_debugio_impl lib_vfprintf_long_long lib_vfscanf_long_long"},
+        {{"arm_target_debug_interface_type=XScale7BitIR", "link_IOLibraryName=none",
+          "linker_printf_fmt_level=short", "linker_printf_width_precision_supported=No",
+          "linker_scanf_fp_enabled=Yes", "linker_scanf_character_group_matching_enabled=Yes"},
+         "libxscale %1 lib_vfprintf__nwp lib_vfscanf_double_long_long_cc"},
+        {{"cpp_enable_rtti=Yes", "linker_printf_fp_enabled=Yes",
+          "linker_printf_width_precision_supported=No", "linker_scanf_fmt_level=int"},
          "libarmdi %1 libc_targetio_impl libgccxceptrtti lib_vfprintf_double_long_long "
          "lib_vfscanf_long"},
-        {{{"cpp_enable_exceptions", "Yes"},
-          {"arm_use_gcc_libraries", "No"},
-          {"linker_scanf_character_group_matching_enabled", "Yes"}},
+        {{"cpp_enable_exceptions=Yes", "arm_use_gcc_libraries=No",
+          "linker_scanf_character_group_matching_enabled=Yes"},
          "libarmdi %1 libc_targetio_impl lib_vfprintf_long lib_vfscanf_long_cc"},
     };
-    for (const auto &test : cases) {
-        run(app, ActionLink, test.settings, "Debug/App.elf", {"Debug/main.o"});
+    for (const auto &[settings, libraries] : cases) {
+        run(app, ActionLink, settings, "Debug/App.elf", {"Debug/main.o"});
         EXPECT_EQ(libraryNames(builder, "_v4t_a_le"),
-                  QString(test.libraries).arg("libm libc libcpp libdebugio"));
+                  QString(libraries).arg("libm libc libcpp libdebugio"));
     }
 
     // The directory is expanded with the project's macros, `$(LibExt)` among them.
     run(app, ActionLink,
-        {{"link_standard_libraries_directory", "$(ProjectName)/l$(LibExt)"},
-         {"arm_library_instruction_set", "Thumb"}},
+        {"link_standard_libraries_directory=$(ProjectName)/l$(LibExt)",
+         "arm_library_instruction_set=Thumb"},
         "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.command.value(builder.command.indexOf("Debug/main.o") + 2),
               "App/l_v4t_t_le/libm_v4t_t_le.a");
 
     // Without the standard libraries only the objects follow; the compatibility mode has no
     // debug I/O, picks a floating point library, starts at 0 and keeps no symbols.
-    run(app, ActionLink, {{"link_include_standard_libraries", "No"}}, "Debug/App.elf",
+    run(app, ActionLink, {"link_include_standard_libraries=No"}, "Debug/App.elf",
         {"Debug/main.o", "x.a"});
     EXPECT_EQ(builder.command.mid(builder.command.indexOf("--start-group")),
               QStringList({"--start-group", "Debug/main.o", "x.a"}));
@@ -115,14 +109,14 @@ TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
               "libarmdi libm libc libcpp libgccfp lib_vfprintf_long lib_vfscanf_long");
     EXPECT_TRUE(builder.command.contains("-e0"));
     EXPECT_FALSE(builder.command.join(' ').contains(" -u"));
-    run(app, ActionLink, {{"arm_use_gcc_libraries", "No"}}, "Debug/App.elf", {"Debug/main.o"});
+    run(app, ActionLink, {"arm_use_gcc_libraries=No"}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_TRUE(builder.command.contains("/bench/lib/libkmffp_v4t_a_i_le.a"));
 }
 
 TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMapOrNone)
 {
     // The project's memory map file is named but absent; then unreadable.
-    set(linkerScriptFile, {{"build_exclude_from_build", "Yes"}});
+    set(linkerScriptFile, {"build_exclude_from_build=Yes"});
     run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors,
               QStringList{"memory map file does not exist: " + expand("@/map.xml")});
@@ -139,7 +133,7 @@ TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMapOrNone)
                                  "    <ProgramSection name=\".text\" load=\"Yes\"/>\n"
                                  "  </MemorySegment>\n"
                                  "</Root>\n");
-    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", {"Debug/main.o"});
+    run(app, ActionLink, {"linker_output_format=bin"}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors, QStringList());
     EXPECT_TRUE(builder.messages.contains("Generating linker script"));
     EXPECT_TRUE(firstCommand().contains(" -T@/Debug/App.ld "));
@@ -149,9 +143,8 @@ TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMapOrNone)
     EXPECT_TRUE(QFile::exists(scratch.file("app/Debug/App.ld")));
 
     // A setting that names no file on disk counts as none.
-    set(memoryMapFile, {{"build_exclude_from_build", "Yes"}});
-    run(app, ActionLink, {{"linker_memory_map_file", "nowhere.xml"}}, "Debug/App.elf",
-        {"Debug/main.o"});
+    set(memoryMapFile, {"build_exclude_from_build=Yes"});
+    run(app, ActionLink, {"linker_memory_map_file=nowhere.xml"}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors, QStringList{"no linker script or memory map file specified"});
     EXPECT_EQ(events(), "init\ndir @");
 }

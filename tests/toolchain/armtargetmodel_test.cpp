@@ -16,26 +16,24 @@ TEST_F(ARMTest, LibraryExtensionAndLoaderTypeOfTheTarget)
     } cases[] = {
         {false, {}, "_v4t_a_le"},
         // v5T shares the libraries of v4T.
-        {false, {{"arm_architecture", "v5T"}, {"arm_interwork", "No"}}, "_v4_a_le"},
+        {false, {"arm_architecture=v5T", "arm_interwork=No"}, "_v4_a_le"},
         {false,
-         {{"arm_architecture", "v5TE"},
-          {"arm_library_instruction_set", "Thumb"},
-          {"arm_endian", "Big"},
-          {"link_use_multi_threaded_libraries", "Yes"}},
+         {"arm_architecture=v5TE", "arm_library_instruction_set=Thumb", "arm_endian=Big",
+          "link_use_multi_threaded_libraries=Yes"},
          "_v5te_t_be_mt"},
-        {false, {{"arm_fp_abi", "SoftFP"}}, "_v4t_vfp_a_le"},
-        {false, {{"arm_architecture", "v6"}}, "__a_le"},
+        {false, {"arm_fp_abi=SoftFP"}, "_v4t_vfp_a_le"},
+        {false, {"arm_architecture=v6"}, "__a_le"},
         // An executable links with the libraries of its library instruction set.
-        {false, {{"arm_instruction_set", "Thumb"}}, "_v4t_a_le"},
-        {true, {{"arm_instruction_set", "Thumb"}}, "_v4t_t_le"},
-        {true, {{"arm_library_instruction_set", "Thumb"}}, "_v4t_a_le"},
+        {false, {"arm_instruction_set=Thumb"}, "_v4t_a_le"},
+        {true, {"arm_instruction_set=Thumb"}, "_v4t_t_le"},
+        {true, {"arm_library_instruction_set=Thumb"}, "_v4t_a_le"},
     };
     for (const auto &test : cases)
         EXPECT_EQ(macro(test.library ? lib : app, test.settings, "LibExt"), test.libExt);
 
     EXPECT_EQ(macro(app, {}, "LoaderType"), "dcc");
-    EXPECT_EQ(macro(app, {{"arm_target_flash_loader_type", "RAM Loader"}}, "LoaderType"), "ram");
-    EXPECT_EQ(macro(app, {{"arm_target_flash_loader_type", "Other"}}, "LoaderType"), "");
+    EXPECT_EQ(macro(app, {"arm_target_flash_loader_type=RAM Loader"}, "LoaderType"), "ram");
+    EXPECT_EQ(macro(app, {"arm_target_flash_loader_type=Other"}, "LoaderType"), "");
     // Elements other than projects have neither macro; the generic ones stay.
     EXPECT_EQ(macro(mainC, {}, "LibExt"), "<none>");
     EXPECT_EQ(macro(mainC, {}, "LoaderType"), "<none>");
@@ -44,43 +42,9 @@ TEST_F(ARMTest, LibraryExtensionAndLoaderTypeOfTheTarget)
     // The compatibility mode tells interworking apart in ARM libraries only.
     system->setGenerate_1_5_commandLine(true);
     EXPECT_EQ(macro(app, {}, "LibExt"), "_v4t_a_i_le");
-    EXPECT_EQ(macro(app, {{"arm_interwork", "No"}}, "LibExt"), "_v4_a_ni_le");
-    EXPECT_EQ(
-        macro(app, {{"arm_interwork", "No"}, {"arm_library_instruction_set", "Thumb"}}, "LibExt"),
-        "_v4_t_le");
-}
-
-TEST_F(ARMTest, PrintfAndScanfVariants)
-{
-    const struct
-    {
-        Settings settings;
-        const char *printfVariant;
-        const char *scanfVariant;
-    } cases[] = {
-        {{}, "long", "long"},
-        {{{"linker_printf_fmt_level", "long long"}, {"linker_scanf_fmt_level", "long long"}},
-         "long_long",
-         "long_long"},
-        {{{"linker_printf_fmt_level", "short"},
-          {"linker_printf_width_precision_supported", "No"},
-          {"linker_scanf_fp_enabled", "Yes"},
-          {"linker_scanf_character_group_matching_enabled", "Yes"}},
-         "_nwp",
-         "double_long_long_cc"},
-        // Floating point support brings everything, width and precision included.
-        {{{"linker_printf_fp_enabled", "Yes"},
-          {"linker_printf_width_precision_supported", "No"},
-          {"linker_scanf_fmt_level", "int"}},
-         "double_long_long",
-         "long"},
-    };
-    for (const auto &test : cases) {
-        set(app, test.settings);
-        EXPECT_EQ(system->getPrintfVariant(app, debug), test.printfVariant);
-        EXPECT_EQ(system->getScanfVariant(app, debug), test.scanfVariant);
-        unset(app, test.settings);
-    }
+    EXPECT_EQ(macro(app, {"arm_interwork=No"}, "LibExt"), "_v4_a_ni_le");
+    EXPECT_EQ(macro(app, {"arm_interwork=No", "arm_library_instruction_set=Thumb"}, "LibExt"),
+              "_v4_t_le");
 }
 
 TEST_F(ARMTest, TargetOptionsOfCompilerAndAssembler)
@@ -90,21 +54,21 @@ TEST_F(ARMTest, TargetOptionsOfCompilerAndAssembler)
     const char *const tail = "-mthumb-interwork -mlittle-endian -mfpu=vfp -mfloat-abi=soft";
     const std::pair<Settings, const char *> cases[] = {
         {{}, "-march=armv4t"},
-        {{{"arm_architecture", "ARM4T"}}, "-march=armv4t"},
-        {{{"arm_architecture", "v5TE"}}, "-march=armv5te"},
-        {{{"arm_architecture", "v6"}}, ""},
-        {{{"arm_core_type", "ARM7TDMI-S"}}, "-mcpu=arm7tdmi-s"},
-        {{{"arm_core_type", "NONE"}, {"arm_architecture", "v7M"}}, "-march=armv7m"},
+        {{"arm_architecture=ARM4T"}, "-march=armv4t"},
+        {{"arm_architecture=v5TE"}, "-march=armv5te"},
+        {{"arm_architecture=v6"}, ""},
+        {{"arm_core_type=ARM7TDMI-S"}, "-mcpu=arm7tdmi-s"},
+        {{"arm_core_type=NONE", "arm_architecture=v7M"}, "-march=armv7m"},
         // The core wins over an architecture that disagrees.
-        {{{"arm_core_type", "Cortex-M3"}, {"arm_architecture", "v4T"}}, "-mcpu=cortex-m3"},
-        {{{"arm_instruction_set", "THUMB"}}, "-march=armv4t -mthumb"},
-        {{{"arm_interwork", "No"}, {"arm_endian", "Big"}, {"arm_fp_abi", "SoftFP"}},
+        {{"arm_core_type=Cortex-M3", "arm_architecture=v4T"}, "-mcpu=cortex-m3"},
+        {{"arm_instruction_set=THUMB"}, "-march=armv4t -mthumb"},
+        {{"arm_interwork=No", "arm_endian=Big", "arm_fp_abi=SoftFP"},
          "-march=armv4t -mbig-endian -mfpu=vfp -mfloat-abi=softfp"},
-        {{{"arm_fp_abi", "Hard"}},
+        {{"arm_fp_abi=Hard"},
          "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp -mfloat-abi=hard"},
-        {{{"arm_fp_abi", "Other"}}, "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp"},
+        {{"arm_fp_abi=Other"}, "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp"},
         // The FPU type gives no option of its own.
-        {{{"arm_fpu_type", "VFP9"}}, "-march=armv4t"},
+        {{"arm_fpu_type=VFP9"}, "-march=armv4t"},
     };
     auto options = [&](bool forAssembler) {
         QStringList command;
@@ -128,6 +92,6 @@ TEST_F(ARMTest, TargetOptionsOfCompilerAndAssembler)
     settings.generateFPUOption()->setPropertyValue("No");
     EXPECT_EQ(options(false), "-march=armv4t -mthumb-interwork -mlittle-endian -mfloat-abi=soft");
     system->setGenerate_1_5_commandLine(true);
-    set(mainC, {{"arm_core_type", "ARM920T"}, {"arm_architecture", "v5TE"}});
+    set(mainC, {"arm_core_type=ARM920T", "arm_architecture=v5TE"});
     EXPECT_EQ(options(true), "-march=armv5te -mthumb-interwork -EL");
 }

@@ -3,8 +3,6 @@
 #include "macros/macrosystem.h"
 #include "settings/environmentpropertyvalue.h"
 
-#include <QDateTime>
-
 namespace {
 
 /// A project "App" in "app" with a C, a C++ and an assembly file, tools under a root that a
@@ -49,24 +47,22 @@ TEST_F(GCCCommands, CompileCommandLines)
 {
     const QString head = "/opt/tc/bin/x-gcc -c -fmessage-length=0 -I. -MD -MQ Debug/o.o ";
     EXPECT_EQ(commandsFor(mainC, ActionCompileC, {}), head + "-g @/src/main.c -o Debug/o.o");
-    EXPECT_EQ(commandsFor(libCpp, ActionCompileCpp, {{"c_enforce_ansi_checking", "Yes"}}),
+    EXPECT_EQ(commandsFor(libCpp, ActionCompileCpp, {"c_enforce_ansi_checking=Yes"}),
               "/opt/tc/bin/x-g++ -c -fno-exceptions -fno-rtti -fmessage-length=0 -I. -MD -MQ "
               "Debug/o.o -g -std=c99 @/lib.cpp -o Debug/o.o");
-    EXPECT_EQ(commandsFor(startS, ActionAssemble, {{"build_debug_information", "No"}}),
+    EXPECT_EQ(commandsFor(startS, ActionAssemble, {"build_debug_information=No"}),
               head + "@/start.s -o Debug/o.o");
-    EXPECT_TRUE(commandsFor(libCpp, ActionCompileCpp,
-                            {{"cpp_enable_exceptions", "Yes"}, {"cpp_enable_rtti", "Yes"}})
-                    .startsWith("/opt/tc/bin/x-g++ -c -fmessage-length=0 "));
+    EXPECT_TRUE(
+        commandsFor(libCpp, ActionCompileCpp, {"cpp_enable_exceptions=Yes", "cpp_enable_rtti=Yes"})
+            .startsWith("/opt/tc/bin/x-g++ -c -fmessage-length=0 "));
 
     // What stands between the preprocessor's options and the source.
     const std::pair<Settings, const char *> cases[] = {
-        {{{"gcc_optimization_level", "Level 1"}}, "-g -O1"},
-        {{{"gcc_optimization_level", "Level 3"}}, "-g -O3"},
-        {{{"gcc_optimization_level", "Level 9"}}, "-g -Os"},
-        {{{"c_enforce_ansi_checking", "Yes"},
-          {"gcc_omit_frame_pointer", "Yes"},
-          {"gcc_optimization_level", "Optimize For Size"},
-          {"build_debug_information", "No"}},
+        {{"gcc_optimization_level=Level 1"}, "-g -O1"},
+        {{"gcc_optimization_level=Level 3"}, "-g -O3"},
+        {{"gcc_optimization_level=Level 9"}, "-g -Os"},
+        {{"c_enforce_ansi_checking=Yes", "gcc_omit_frame_pointer=Yes",
+          "gcc_optimization_level=Optimize For Size", "build_debug_information=No"},
          "-std=c99 -Os -fomit-frame-pointer"},
     };
     for (const auto &[settings, middle] : cases)
@@ -80,19 +76,17 @@ TEST_F(GCCCommands, CompileCommandLines)
 
 TEST_F(GCCCommands, PreprocessorOptionsInTheirOrder)
 {
-    set(app, {{"c_user_include_directories", "inc;$(ProjectName)/x;;y z"},
-              {"c_preprocessor_definitions", "A=1;B"},
-              {"c_preprocessor_undefinitions", "C"},
-              {"c_additional_options", "-Wall;-DX=a b"}});
+    set(app,
+        {"c_user_include_directories=inc;$(ProjectName)/x;;y z", "c_preprocessor_definitions=A=1;B",
+         "c_preprocessor_undefinitions=C", "c_additional_options=-Wall;-DX=a b"});
     EXPECT_EQ(commandsFor(mainC, ActionCompileC,
-                          {{"c_undefine_all_preprocessor_definitions", "Yes"},
-                           {"build_treat_warnings_as_errors", "Yes"},
-                           {"build_quietly", "No"}}),
+                          {"c_undefine_all_preprocessor_definitions=Yes",
+                           "build_treat_warnings_as_errors=Yes", "build_quietly=No"}),
               "/opt/tc/bin/x-gcc -c -fmessage-length=0 -Iinc -IApp/x \"-Iy z\" -undef -DA=1 -DB "
               "-UC -MD -MQ Debug/o.o -Werror -v -Wall \"-DX=a b\" -g @/src/main.c -o Debug/o.o");
 
     // Ignoring includes drops only the include directories.
-    set(mainC, {{"c_ignore_includes", "Yes"}});
+    set(mainC, {"c_ignore_includes=Yes"});
     QStringList command;
     system->addPreprocessorOptions(mainC, debug, "obj/m.o", command);
     EXPECT_EQ(command,
@@ -104,23 +98,23 @@ TEST_F(GCCCommands, LinkCommandLines)
     const QString link = "/opt/tc/bin/x-g++ -g -Wl,--start-group Debug/main.o -o Debug/App.elf";
     EXPECT_EQ(commandsFor(app, ActionLink, {}, "Debug/App.elf"), link);
     EXPECT_EQ(commandsFor(app, ActionLink,
-                          {{"build_quietly", "No"},
-                           {"build_debug_information", "No"},
-                           {"build_treat_warnings_as_errors", "Yes"},
-                           {"linker_additional_options", "-nostdlib;-Wl,-Map=$(ProjectName).map"}},
+                          {"build_quietly=No", "build_debug_information=No",
+                           "build_treat_warnings_as_errors=Yes",
+                           "linker_additional_options=-nostdlib;-Wl,-Map=$(ProjectName).map"},
                           "Debug/App.elf"),
               "/opt/tc/bin/x-g++ -v --fatal-warnings -nostdlib -Wl,-Map=App.map "
               "-Wl,--start-group Debug/main.o -o Debug/App.elf");
     const std::pair<const char *, const char *> formats[] = {
         {"bin", "binary"}, {"hex", "ihex"}, {"srec", "srec"}};
     for (const auto &[format, option] : formats)
-        EXPECT_EQ(commandsFor(app, ActionLink, {{"linker_output_format", format}}, "Debug/App.elf"),
+        EXPECT_EQ(commandsFor(app, ActionLink, {QString("linker_output_format=") + format},
+                              "Debug/App.elf"),
                   link + QString("\n/opt/tc/bin/x-objcopy Debug/App.elf @/Debug/App.%1 -O%2")
                              .arg(format, option));
 
     // Only the last dot of the output starts its extension; no group without the flag.
     system->linkerStartGroup = false;
-    EXPECT_EQ(commandsFor(app, ActionLink, {{"linker_output_format", "bin"}}, "out/x.y.elf"),
+    EXPECT_EQ(commandsFor(app, ActionLink, {"linker_output_format=bin"}, "out/x.y.elf"),
               "/opt/tc/bin/x-g++ -g Debug/main.o -o out/x.y.elf\n"
               "/opt/tc/bin/x-objcopy out/x.y.elf @/out/x.y.bin -Obinary");
 }
@@ -133,7 +127,7 @@ TEST_F(GCCCommands, SequencesThroughTheBuilder)
                         "Debug/main.o -g @/src/main.c -o Debug/main.o\ndoit\nend");
     // Every command of a sequence is issued, even after one has failed.
     builder.failing = true;
-    run(app, ActionLink, {{"linker_output_format", "bin"}}, "Debug/App.elf", {"Debug/main.o"});
+    run(app, ActionLink, {"linker_output_format=bin"}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(events(), "init\ndir @\ngroup Linking App.elf\noutputs @/Debug/App.elf\n"
                         "command /opt/tc/bin/x-g++ -g -Wl,--start-group Debug/main.o -o "
                         "Debug/App.elf\ndoit\n"
@@ -151,45 +145,4 @@ TEST_F(GCCCommands, SequencesThroughTheBuilder)
     settings.toolChainRootDirectory()->setPropertyValue("$(GccTestTools)/bin");
     run(app, ActionArchive, {}, "L.a", {});
     EXPECT_EQ(builder.commands, QStringList({"tc/bin/x-ar -rcs L.a", "tc/bin/x-ranlib L.a"}));
-}
-
-TEST_F(GCCCommands, PropertiesThatOutdateACommand)
-{
-    const QDateTime before = QDateTime::currentDateTime().addSecs(-3600);
-    const QDateTime after = QDateTime::currentDateTime().addSecs(3600);
-    auto upToDate = [&](ProjectElement *element, BuildAction action, const QDateTime &time) {
-        return system->commandUpToDate(element, debug, time, action, &builder, false);
-    };
-    set(app, {{"gcc_omit_frame_pointer", "Yes"}});
-    set(mainC, {{"gcc_optimization_level", "Level 2"}});
-    // A compile sees both compiler settings, inherited or its own; a link neither.
-    EXPECT_FALSE(upToDate(mainC, ActionCompileC, before));
-    EXPECT_FALSE(upToDate(libCpp, ActionCompileCpp, before));
-    EXPECT_FALSE(system->commandUpToDate(startS, debug, before, ActionAssemble, &builder, true));
-    EXPECT_EQ(builder.messages, QStringList({"Optimization Level property has changed.",
-                                             "Omit Frame Pointer property has changed."}));
-    EXPECT_TRUE(upToDate(mainC, ActionCompileC, after));
-    EXPECT_TRUE(upToDate(app, ActionLink, before));
-
-    builder.clear();
-    set(app, {{"gcc_entry_point", "start"}});
-    EXPECT_FALSE(upToDate(app, ActionLink, before));
-    EXPECT_EQ(builder.messages, QStringList({"Entry Point property has changed."}));
-    EXPECT_TRUE(upToDate(app, ActionLink, after));
-    EXPECT_TRUE(upToDate(app, ActionArchive, before));
-}
-
-TEST_F(GCCCommands, DependenciesFromTheCompilersFile)
-{
-    scratch.write("app/Debug/main.d", "Debug/main.o: src/main.c /usr/include/stdio.h \\\n"
-                                      "  inc/a\\ b.h\n");
-    const QStringList expected = {expand("@/src/main.c"), "/usr/include/stdio.h",
-                                  expand("@/inc/a b.h")};
-    // A relative object lies in the project directory; the input is not read.
-    EXPECT_EQ(system->getObjectFileDependencies(projectDir, "ignored", "Debug/main.o"), expected);
-    EXPECT_EQ(system->getObjectFileDependencies(projectDir, QString(), expand("@/Debug/main.o")),
-              expected);
-    EXPECT_TRUE(system->getObjectFileDependencies(projectDir, "", "Debug/none.o").isEmpty());
-    scratch.write("app/Debug/bad.d", "no colon here\n");
-    EXPECT_TRUE(system->getObjectFileDependencies(projectDir, "", "Debug/bad.o").isEmpty());
 }

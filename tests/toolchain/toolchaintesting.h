@@ -15,11 +15,9 @@
 #include <QRegularExpression>
 
 #include <memory>
-#include <utility>
-#include <vector>
 
-/// Settings as save name and value.
-using Settings = std::vector<std::pair<const char *, const char *>>;
+/// Settings as "save_name=value".
+using Settings = QStringList;
 
 /// A settings store of its own, with a settings object, a project system and a build system
 /// of the given types installed as the process-wide ones, and a recording builder.
@@ -57,14 +55,15 @@ protected:
     /// Sets `values` on `element` in "Debug".
     void set(ProjectElement *element, const Settings &values)
     {
-        for (const auto &[name, value] : values)
-            projects.setProperty(element, QString::fromLatin1(name), debug, value);
+        for (const QString &setting : values)
+            projects.setProperty(element, setting.section('=', 0, 0), debug,
+                                 setting.section('=', 1));
     }
     /// Removes what `set` set.
     void unset(ProjectElement *element, const Settings &values)
     {
-        for (const auto &setting : values)
-            projects.removeProperty(element, QString::fromLatin1(setting.first), debug);
+        for (const QString &setting : values)
+            projects.removeProperty(element, setting.section('=', 0, 0), debug);
     }
     /// `text` with "@" standing for the project directory of "App".
     QString expand(QString text) const { return text.replace(QLatin1Char('@'), projectDir); }
