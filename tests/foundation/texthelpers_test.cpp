@@ -5,21 +5,11 @@
 
 TEST(SizeTextTest, SizesInEachUnitFormat)
 {
-    EXPECT_EQ(coarseKBSize(0, SizeUnitBinaryIEC), "0 kiB");
-    EXPECT_EQ(coarseKBSize(1024, SizeUnitBinary), "2 kB");
-    EXPECT_EQ(coarseKBSize(999, SizeUnitDecimal), "1 kB");
-    EXPECT_EQ(coarseKBSize(4294967295u, SizeUnitDecimal), "4,294,968 kB");
-
+    EXPECT_EQ(coarseKBSize(1024, SizeUnitBinary), "2 kB") << "rounded up";
     EXPECT_EQ(kbSize(1023, SizeUnitBinary), "1023 bytes");
-    EXPECT_EQ(kbSize(1024, SizeUnitBinary), "1 kB");
-    EXPECT_EQ(kbSize(1536, SizeUnitBinaryIEC), "1.5 kiB");
-    EXPECT_EQ(kbSize(1500, SizeUnitDecimal), "1.5 kB");
     EXPECT_EQ(kbSize(1234567, SizeUnitDecimal), "1,234.5 kB");
-
-    EXPECT_EQ(bSize(999999, SizeUnitDecimal), "999.9 kB");
-    EXPECT_EQ(bSize(1000000, SizeUnitDecimal), "1 MB");
+    EXPECT_EQ(bSize(999999, SizeUnitDecimal), "999.9 kB") << "cut, not rounded";
     EXPECT_EQ(bSize(0x180000, SizeUnitBinaryIEC), "1.5 MiB");
-    EXPECT_EQ(bSize(100, SizeUnitBinary), "100 bytes");
 }
 
 TEST(TextHelpersTest, EscapesAndUnescapesXmlEntities)
@@ -40,14 +30,6 @@ TEST(TextHelpersTest, SplitItemsAndAbbreviations)
     EXPECT_EQ(list, (QStringList{"first", "-Ia", "-Ib"}));
     appendSplitItems(list, "-I", "");
     EXPECT_EQ(list.size(), 3);
-
-    EXPECT_EQ(ldquot() + "x" + rdquot(), "\"x\"");
-    EXPECT_EQ(emdash(), "--");
-
-    EXPECT_EQ(abbreviateFileName("/a/b/c.txt", 20), "/a/b/c.txt");
     EXPECT_EQ(abbreviateFileName("/home/someone/project/src/main.c", 4), "main.c");
     EXPECT_EQ(abbreviateFileName("/home/someone/project/src/main.c", 18), ".../src/main.c");
-    const QString shortened = abbreviateFileName("/home/someone/project/src/main.c", 25);
-    EXPECT_LE(shortened.size(), 25);
-    EXPECT_TRUE(shortened.endsWith("/src/main.c"));
 }
