@@ -2,8 +2,6 @@
 
 #include "project/propertyvaluegroups.h"
 
-#include <QFile>
-
 namespace {
 
 /// The target options of a default project, for the compiler and for the assembler.
@@ -61,19 +59,56 @@ TEST_F(ARMTest, CompilerCommandLines)
     EXPECT_EQ(firstCommand(), "/tc/cc1plus -fno-exceptions -fno-rtti -fmessage-length=0 " +
                                   armOptions + " " + preprocessorOptions("o") +
                                   " -gdwarf-2 -std=c++98 -fno-builtin /x/y -o TMP");
+    run(libCpp, ActionCompileCpp, {"cpp_enable_exceptions=Yes", "cpp_enable_rtti=Yes"}, "Debug/o.o",
+        {"/x/y"});
+    EXPECT_TRUE(firstCommand().startsWith("/tc/cc1plus -fmessage-length=0 "));
+
+    // Every option in its place: the group file's definitions after the predefined ones, the
+    // dependency file named up to the object's first dot.
+    propertyValueGroups.setGroupFile(scratch.write("groups.xml", R"(<!DOCTYPE Property_Groups>
+<propertyGroups>
+  <group name="board" default="big">
+    <groupEntry name="big"><cdefine name="BOARD" value="2"/>
+      <cdefine name="CLOCK" value="72" configuration="Release"/></groupEntry>
+    <groupEntry name="small"><cdefine name="SMALL" value="1"/></groupEntry>
+  </group>
+  <group name="chip" default="m3">
+    <groupEntry name="m3"><cdefine name="CHIP" value=""/></groupEntry>
+  </group>
+</propertyGroups>
+)"));
+    set(app, {"c_user_include_directories=inc;$(ProjectName)/x",
+              "c_system_include_directories=$(BenchDir)/include;;sys",
+              "c_preprocessor_definitions=A=1;B", "c_preprocessor_undefinitions=C",
+              "c_additional_options=-Wall;-DX=a b"});
     run(mainC, ActionCompileC,
         {"build_debug_information=No", "build_quietly=No", "build_treat_warnings_as_errors=Yes",
          "c_enforce_ansi_checking=Yes", "gcc_optimization_level=Level 2",
          "gcc_omit_frame_pointer=Yes", "arm_long_calls=Yes", "build_remove_unused_symbols=Yes"},
-        "Debug/o.o", {"/x/y"});
-    EXPECT_EQ(firstCommand(), "/tc/cc1 -fmessage-length=0 " + armOptions +
-                                  " -nostdinc -isystem/bench/include -I. -D__ARM_ARCH_4T__ "
-                                  "-D__HALDEN_ARM -MD Debug/o.d -MQ Debug/o.o -Werror -v -std=c99 "
-                                  "-O2 -fomit-frame-pointer -mlong-calls -fno-builtin "
-                                  "-ffunction-sections /x/y -o TMP");
-    run(libCpp, ActionCompileCpp, {"cpp_enable_exceptions=Yes", "cpp_enable_rtti=Yes"}, "Debug/o.o",
-        {"/x/y"});
-    EXPECT_TRUE(firstCommand().startsWith("/tc/cc1plus -fmessage-length=0 "));
+        "Debug/o.y.o", {"/x/y"});
+    const QString includes = "-nostdinc -isystem/bench/include -isystemsys -Iinc -IApp/x ";
+    const QString user = "-DA=1 -DB -UC ";
+    EXPECT_EQ(firstCommand(),
+              "/tc/cc1 -fmessage-length=0 " + armOptions + " " + includes +
+                  "-D__ARM_ARCH_4T__ -D__HALDEN_ARM -DBOARD=2 -DCLOCK=72 -DCHIP= " + user +
+                  "-MD Debug/o.d -MQ Debug/o.y.o -Werror -v -Wall \"-DX=a b\" "
+                  "-std=c99 -O2 -fomit-frame-pointer -mlong-calls -fno-builtin "
+                  "-ffunction-sections /x/y -o TMP");
+
+    // The entry chosen decides the definitions; without an object there is no dependency
+    // file; undefining all drops the predefined ones, not the user's; ignoring includes drops
+    // those.
+    auto options = [&] {
+        QStringList command;
+        system->addPreprocessorOptions(mainC, debug, QString(), command);
+        return command.join(' ');
+    };
+    set(app, {"board=small"});
+    EXPECT_EQ(options(), includes + "-D__ARM_ARCH_4T__ -D__HALDEN_ARM -DSMALL=1 -DCHIP= " + user +
+                             "-Wall -DX=a b");
+    set(mainC, {"c_undefine_all_preprocessor_definitions=Yes", "c_ignore_includes=Yes"});
+    EXPECT_EQ(options(), "-nostdinc -undef " + user + "-Wall -DX=a b");
+    propertyValueGroups.setGroupFile("None");
 }
 
 TEST_F(ARMTest, AssembleThroughThePreprocessor)
@@ -105,46 +140,6 @@ TEST_F(ARMTest, AssembleThroughThePreprocessor)
     EXPECT_NE(builder.events.last(), "end");
 }
 
-TEST_F(ARMTest, PreprocessorOptionsWithGroupDefinitions)
-{
-    propertyValueGroups.setGroupFile(scratch.write(
-        "groups.xml",
-        "<!DOCTYPE Property_Groups>\n<propertyGroups>\n<group name=\"board\" default=\"big\">\n"
-        "  <groupEntry name=\"big\"><cdefine name=\"BOARD\" value=\"2\"/>\n"
-        "    <cdefine name=\"CLOCK\" value=\"72\" configuration=\"Release\"/></groupEntry>\n"
-        "  <groupEntry name=\"small\"><cdefine name=\"SMALL\" value=\"1\"/></groupEntry>\n"
-        "</group>\n<group name=\"chip\" default=\"m3\">\n"
-        "  <groupEntry name=\"m3\"><cdefine name=\"CHIP\" value=\"\"/></groupEntry>\n"
-        "</group>\n</propertyGroups>\n"));
-    set(app, {"c_user_include_directories=inc;$(ProjectName)/x",
-              "c_system_include_directories=$(BenchDir)/include;;sys",
-              "c_preprocessor_definitions=A=1;B", "c_preprocessor_undefinitions=C",
-              "c_additional_options=-Wall;-DX=a b"});
-    auto options = [&](const QString &objectFile) {
-        QStringList command;
-        system->addPreprocessorOptions(mainC, debug, objectFile, command);
-        return command.join(' ');
-    };
-    const QString includes = "-nostdinc -isystem/bench/include -isystemsys -Iinc -IApp/x ";
-    const QString user = " -DA=1 -DB -UC ";
-    EXPECT_EQ(options("obj/m.o"), includes +
-                                      "-D__ARM_ARCH_4T__ -D__HALDEN_ARM -DBOARD=2 -DCLOCK=72 "
-                                      "-DCHIP=" +
-                                      user + "-MD obj/m.d -MQ obj/m.o -quiet -Wall -DX=a b");
-
-    // The entry chosen decides the definitions; a null object file wants no dependency file;
-    // the dependency file is named up to the object's first dot.
-    set(app, {"board=small", "arm_architecture=v7M"});
-    EXPECT_EQ(options(QString()), includes + "-D__ARM_ARCH_7M__ -D__HALDEN_ARM -DSMALL=1 -DCHIP=" +
-                                      user + "-Wall -DX=a b");
-    EXPECT_TRUE(options("x.y.o").contains(" -MD ./x.d -MQ x.y.o "));
-
-    // Undefining all drops the predefinitions, not the user's; ignoring includes drops those.
-    set(mainC, {"c_undefine_all_preprocessor_definitions=Yes", "c_ignore_includes=Yes"});
-    EXPECT_EQ(options(QString()), "-nostdinc -undef" + user + "-Wall -DX=a b");
-    propertyValueGroups.setGroupFile("None");
-}
-
 TEST_F(ARMTest, CallViaStubsForThumbLongCalls)
 {
     const QByteArray source = "\tbl\t_call_via_r3\n  mov r0, r1\nbl    _call_via_r3\n"
@@ -163,21 +158,6 @@ TEST_F(ARMTest, CallViaStubsForThumbLongCalls)
     EXPECT_EQ(scratch.read("app/Debug/main.asm"),
               source + "\n  .text\n  .thumb_func\n  .align 2\n_call_via_fp:\n  bx fp\n  nop\n"
                        "  .text\n  .thumb_func\n  .align 2\n_call_via_r3:\n  bx r3\n  nop\n");
-    // A file that isn't there is not made.
-    ARMBuildSystem::workaroundCallViaBug(scratch.file("none.asm"));
-    EXPECT_FALSE(QFile::exists(scratch.file("none.asm")));
-}
-
-TEST_F(ARMTest, PreprocessCommand)
-{
-    EXPECT_EQ(system->preprocess(mainC, debug, &builder), expand("@/src/main_PP.c"));
-    EXPECT_EQ(events(), "init\ndir @\ngroup Preprocessing main.c\ncommand /tc/cc1 -E " +
-                            armOptions +
-                            " -nostdinc -isystem/bench/include -I. -D__ARM_ARCH_4T__ "
-                            "-D__HALDEN_ARM @/src/main.c -o @/src/main_PP.c\n"
-                            "outputs @/src/main_PP.c\ndoit\nend");
-    EXPECT_EQ(system->preprocess(libCpp, debug, &builder), expand("@/lib_PP.cpp"));
-    EXPECT_TRUE(builder.commands.last().startsWith("/tc/cc1plus -E "));
 }
 
 TEST_F(ARMTest, SettingsThatOutdateACommand)

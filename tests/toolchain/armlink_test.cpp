@@ -1,5 +1,7 @@
 #include "armtesting.h"
 
+#include "memorymap/memorymaptesting.h"
+
 #include <QFile>
 
 namespace {
@@ -18,17 +20,13 @@ QString libraryNames(const RecordingBuilder &builder, const QString &libExt)
 
 TEST_F(ARMTest, DefaultLinkLineAndSequence)
 {
-    const QString ld =
-        "command /tc/ld -X -nostdlib -ereset_handler --omagic --fatal-warnings -EL -T@/app.ld "
-        "-Map Debug/App.map -u_vectors -o Debug/App.elf --start-group Debug/main.o /x/libq.a "
-        "/bench/lib/libarmdi_v4t_a_le.a /bench/lib/libm_v4t_a_le.a /bench/lib/libc_v4t_a_le.a "
-        "/bench/lib/libcpp_v4t_a_le.a /bench/lib/libdebugio_v4t_a_le.a "
-        "/bench/lib/libc_targetio_impl_v4t_a_le.a /bench/lib/lib_vfprintf_long_v4t_a_le.a "
-        "/bench/lib/lib_vfscanf_long_v4t_a_le.a";
+    // The whole default line is the scenario's; here its place in the sequence.
     const QStringList inputs = {"Debug/main.o", "/x/libq.a"};
     run(app, ActionLink, {}, "Debug/App.elf", inputs);
-    EXPECT_EQ(events(), "init\ndir @\ngroup Linking App.elf\n" + ld +
-                            "\noutputs @/Debug/App.elf\ndoit\noutputs @/Debug/App.map\nend");
+    EXPECT_EQ(events().replace(firstCommand(), "LD"),
+              "init\ndir @\ngroup Linking App.elf\ncommand LD\noutputs @/Debug/App.elf\ndoit\n"
+              "outputs @/Debug/App.map\nend");
+    EXPECT_TRUE(firstCommand().contains(" --start-group Debug/main.o /x/libq.a /bench/lib/"));
 
     // An additional output format goes through the object copier, in the same group; only the
     // last dot of the output starts its extension.
@@ -115,24 +113,21 @@ TEST_F(ARMTest, LibraryTableInOrderWithItsConditions)
 
 TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMapOrNone)
 {
-    // The project's memory map file is named but absent; then unreadable.
-    set(linkerScriptFile, {"build_exclude_from_build=Yes"});
+    // The project's memory map file is named but absent; a generator's error ends the link.
+    set(files[3], {"build_exclude_from_build=Yes"}); // app.ld
     run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors,
               QStringList{"memory map file does not exist: " + expand("@/map.xml")});
     EXPECT_EQ(events(), "init\ndir @");
-    const QString map = scratch.write("app/map.xml", "not a memory map");
+    scratch.write("app/map.xml", "not a memory map");
     run(app, ActionLink, {}, "Debug/App.elf", {"Debug/main.o"});
-    EXPECT_EQ(builder.errors, QStringList{"cannot load memory map file: " + map});
+    EXPECT_EQ(builder.errors.size(), 1);
     EXPECT_EQ(events(), "init\ndir @");
 
     // The script is one of the link's outputs, named after the link's output.
-    scratch.write("app/map.xml", "<!DOCTYPE Board_Memory_Definition_File>\n"
-                                 "<Root name=\"Board\">\n"
-                                 "  <MemorySegment name=\"FLASH\" start=\"0\" size=\"0x10000\">\n"
-                                 "    <ProgramSection name=\".text\" load=\"Yes\"/>\n"
-                                 "  </MemorySegment>\n"
-                                 "</Root>\n");
+    scratch.write("app/map.xml", memoryMapXml("<MemorySegment name=\"FLASH\" start=\"0\" "
+                                              "size=\"0x10000\"><ProgramSection name=\".text\" "
+                                              "load=\"Yes\"/></MemorySegment>\n"));
     run(app, ActionLink, {"linker_output_format=bin"}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors, QStringList());
     EXPECT_TRUE(builder.messages.contains("Generating linker script"));
@@ -143,7 +138,7 @@ TEST_F(ARMTest, LinkWithAScriptWrittenFromTheMemoryMapOrNone)
     EXPECT_TRUE(QFile::exists(scratch.file("app/Debug/App.ld")));
 
     // A setting that names no file on disk counts as none.
-    set(memoryMapFile, {"build_exclude_from_build=Yes"});
+    set(files[4], {"build_exclude_from_build=Yes"}); // map.xml
     run(app, ActionLink, {"linker_memory_map_file=nowhere.xml"}, "Debug/App.elf", {"Debug/main.o"});
     EXPECT_EQ(builder.errors, QStringList{"no linker script or memory map file specified"});
     EXPECT_EQ(events(), "init\ndir @");

@@ -33,7 +33,6 @@ TEST_F(ARMTest, LibraryExtensionAndLoaderTypeOfTheTarget)
 
     EXPECT_EQ(macro(app, {}, "LoaderType"), "dcc");
     EXPECT_EQ(macro(app, {"arm_target_flash_loader_type=RAM Loader"}, "LoaderType"), "ram");
-    EXPECT_EQ(macro(app, {"arm_target_flash_loader_type=Other"}, "LoaderType"), "");
     // Elements other than projects have neither macro; the generic ones stay.
     EXPECT_EQ(macro(mainC, {}, "LibExt"), "<none>");
     EXPECT_EQ(macro(mainC, {}, "LoaderType"), "<none>");
@@ -42,7 +41,6 @@ TEST_F(ARMTest, LibraryExtensionAndLoaderTypeOfTheTarget)
     // The compatibility mode tells interworking apart in ARM libraries only.
     system->setGenerate_1_5_commandLine(true);
     EXPECT_EQ(macro(app, {}, "LibExt"), "_v4t_a_i_le");
-    EXPECT_EQ(macro(app, {"arm_interwork=No"}, "LibExt"), "_v4_a_ni_le");
     EXPECT_EQ(macro(app, {"arm_interwork=No", "arm_library_instruction_set=Thumb"}, "LibExt"),
               "_v4_t_le");
 }
@@ -55,7 +53,6 @@ TEST_F(ARMTest, TargetOptionsOfCompilerAndAssembler)
     const std::pair<Settings, const char *> cases[] = {
         {{}, "-march=armv4t"},
         {{"arm_architecture=ARM4T"}, "-march=armv4t"},
-        {{"arm_architecture=v5TE"}, "-march=armv5te"},
         {{"arm_architecture=v6"}, ""},
         {{"arm_core_type=ARM7TDMI-S"}, "-mcpu=arm7tdmi-s"},
         {{"arm_core_type=NONE", "arm_architecture=v7M"}, "-march=armv7m"},
@@ -64,11 +61,7 @@ TEST_F(ARMTest, TargetOptionsOfCompilerAndAssembler)
         {{"arm_instruction_set=THUMB"}, "-march=armv4t -mthumb"},
         {{"arm_interwork=No", "arm_endian=Big", "arm_fp_abi=SoftFP"},
          "-march=armv4t -mbig-endian -mfpu=vfp -mfloat-abi=softfp"},
-        {{"arm_fp_abi=Hard"},
-         "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp -mfloat-abi=hard"},
         {{"arm_fp_abi=Other"}, "-march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp"},
-        // The FPU type gives no option of its own.
-        {{"arm_fpu_type=VFP9"}, "-march=armv4t"},
     };
     auto options = [&](bool forAssembler) {
         QStringList command;

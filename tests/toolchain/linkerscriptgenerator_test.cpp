@@ -11,21 +11,22 @@
 
 namespace {
 
-const QByteArray workedExampleMap = memoryMapXml(
-    "<MemorySegment name=\"FLASH\" start=\"0x00000000\" size=\"0x10000\" access=\"ReadOnly\"/>\n"
-    "<MemorySegment name=\"RAM\" start=\"0x01000000\" size=\"0x2000\"/>\n");
+const QByteArray workedExampleMap = memoryMapXml(R"(
+<MemorySegment name="FLASH" start="0x00000000" size="0x10000" access="ReadOnly"/>
+<MemorySegment name="RAM" start="0x01000000" size="0x2000"/>
+)");
 
-const QByteArray workedExamplePlacement =
-    placementXml("<MemorySegment name=\"FLASH\">\n"
-                 "  <ProgramSection name=\".vectors\" load=\"Yes\"/>\n"
-                 "  <ProgramSection name=\".text\" load=\"Yes\"/>\n"
-                 "  <ProgramSection name=\".data\" load=\"Yes\" runin=\".data_run\"/>\n"
-                 "</MemorySegment>\n"
-                 "<MemorySegment name=\"RAM\">\n"
-                 "  <ProgramSection name=\".data_run\"/>\n"
-                 "  <ProgramSection name=\".bss\"/>\n"
-                 "  <ProgramSection name=\".heap\" size=\"__HEAPSIZE__\"/>\n"
-                 "</MemorySegment>\n");
+const QByteArray workedExamplePlacement = placementXml(R"(<MemorySegment name="FLASH">
+  <ProgramSection name=".vectors" load="Yes"/>
+  <ProgramSection name=".text" load="Yes"/>
+  <ProgramSection name=".data" load="Yes" runin=".data_run"/>
+</MemorySegment>
+<MemorySegment name="RAM">
+  <ProgramSection name=".data_run"/>
+  <ProgramSection name=".bss"/>
+  <ProgramSection name=".heap" size="__HEAPSIZE__"/>
+</MemorySegment>
+)");
 
 /// The overflow assertion of a section that runs where it is placed, in the example's
 /// `segment`.
@@ -49,55 +50,35 @@ QString placed(const QString &name, const QString &start, const QString &segment
 }
 
 const QString workedExampleScript =
-    QStringLiteral("MEMORY\n"
-                   "{\n"
+    QStringLiteral("MEMORY\n{\n"
                    "  UNPLACED_SECTIONS (wx) : ORIGIN = 0x100000000, LENGTH = 0\n"
                    "  RAM (wx) : ORIGIN = 0x01000000, LENGTH = 0x00002000\n"
                    "  FLASH (rx) : ORIGIN = 0x00000000, LENGTH = 0x00010000\n"
-                   "}\n"
-                   "\n"
-                   "\n"
-                   "SECTIONS\n"
-                   "{\n"
+                   "}\n\n\nSECTIONS\n{\n"
                    "  __RAM_segment_start__ = 0x01000000;\n"
                    "  __RAM_segment_end__ = 0x01002000;\n"
                    "  __FLASH_segment_start__ = 0x00000000;\n"
-                   "  __FLASH_segment_end__ = 0x00010000;\n"
-                   "\n"
-                   "  __STACKSIZE__ = 1024;\n"
-                   "  __STACKSIZE_IRQ__ = 256;\n"
-                   "  __STACKSIZE_FIQ__ = 256;\n"
-                   "  __STACKSIZE_SVC__ = 0;\n"
-                   "  __STACKSIZE_ABT__ = 0;\n"
-                   "  __STACKSIZE_UND__ = 0;\n"
-                   "  __HEAPSIZE__ = 1024;\n"
-                   "\n") +
+                   "  __FLASH_segment_end__ = 0x00010000;\n\n"
+                   "  __STACKSIZE__ = 1024;\n  __STACKSIZE_IRQ__ = 256;\n"
+                   "  __STACKSIZE_FIQ__ = 256;\n  __STACKSIZE_SVC__ = 0;\n"
+                   "  __STACKSIZE_ABT__ = 0;\n  __STACKSIZE_UND__ = 0;\n"
+                   "  __HEAPSIZE__ = 1024;\n\n") +
     placed("vectors", "__FLASH_segment_start__", "FLASH") +
     placed("text", "__vectors_end__", "FLASH") +
     QStringLiteral("  __data_load_start__ = __text_end__;\n"
                    "  .data __RAM_segment_start__ : AT(__text_end__)\n"
-                   "  {\n"
-                   "    __data_start__ = .;\n"
-                   "    *(.data)\n"
-                   "  }\n"
-                   "  __data_end__ = __data_start__ + SIZEOF(.data);\n"
-                   "\n"
-                   "  __data_load_end__ = __data_load_start__ + SIZEOF(.data);\n"
-                   "\n"
-                   "  __FLASH_segment_used_end__ = __text_end__ + SIZEOF(.data);\n"
-                   "\n"
+                   "  {\n    __data_start__ = .;\n    *(.data)\n  }\n"
+                   "  __data_end__ = __data_start__ + SIZEOF(.data);\n\n"
+                   "  __data_load_end__ = __data_load_start__ + SIZEOF(.data);\n\n"
+                   "  __FLASH_segment_used_end__ = __text_end__ + SIZEOF(.data);\n\n"
                    "  . = ASSERT((__data_load_start__ + SIZEOF(.data)) >= __FLASH_segment_start__ "
                    "&& (__data_load_start__ + SIZEOF(.data)) <= (__FLASH_segment_start__ + "
                    "0x00010000) , \"error: .data is too large to fit in FLASH memory "
-                   "segment\");\n"
-                   "\n"
+                   "segment\");\n\n"
                    "  .data_run __RAM_segment_start__ (NOLOAD) :\n"
-                   "  {\n"
-                   "    __data_run_start__ = .;\n"
-                   "    . = MAX(__data_run_start__ + SIZEOF(.data), .);\n"
-                   "  }\n"
-                   "  __data_run_end__ = __data_run_start__ + SIZEOF(.data_run);\n"
-                   "\n") +
+                   "  {\n    __data_run_start__ = .;\n"
+                   "    . = MAX(__data_run_start__ + SIZEOF(.data), .);\n  }\n"
+                   "  __data_run_end__ = __data_run_start__ + SIZEOF(.data_run);\n\n") +
     fits("data_run", "RAM") + placed("bss", "__data_run_end__", "RAM") +
     placed("heap", "__bss_end__", "RAM", "    . = MAX(__heap_start__ + __HEAPSIZE__ , .);\n",
            "  __RAM_segment_used_end__ = __bss_end__ + SIZEOF(.heap);\n\n") +
@@ -134,6 +115,7 @@ protected:
         }
         return QString();
     }
+    /// Whether the last `generate` made the script afresh.
     bool regenerated() const
     {
         return builder.messages == QStringList{QStringLiteral("Generating linker script")};
@@ -156,21 +138,17 @@ protected:
     QString scriptPath;
 };
 
-TEST_F(LinkerScriptGeneratorTest, WorkedExampleLineForLine)
+TEST_F(LinkerScriptGeneratorTest, WorkedExampleLineForLineAndThroughTheCrossLinker)
 {
     ASSERT_EQ(generate(), QString());
     EXPECT_TRUE(regenerated());
     EXPECT_EQ(QString::fromLatin1(scratch.read("app/obj/App.ld")), workedExampleScript);
     EXPECT_EQ(scriptDirectory(), QStringList{"App.ld"});
-}
 
-TEST_F(LinkerScriptGeneratorTest, TheCrossLinkerTakesTheScript)
-{
     const QString as = QStandardPaths::findExecutable(QStringLiteral("arm-none-eabi-as"));
     const QString ld = QStandardPaths::findExecutable(QStringLiteral("arm-none-eabi-ld"));
     if (as.isEmpty() || ld.isEmpty())
         GTEST_SKIP() << "no ARM cross assembler and linker";
-    ASSERT_EQ(generate(), QString());
     auto link = [&](const QByteArray &source) {
         scratch.write("app/start.s", source);
         const RunResult assembled =
@@ -189,34 +167,26 @@ TEST_F(LinkerScriptGeneratorTest, TheCrossLinkerTakesTheScript)
 
 TEST_F(LinkerScriptGeneratorTest, WrittenOnlyWhenSomethingChanged)
 {
-    ASSERT_EQ(generate(), QString());
-    settle();
-    ASSERT_EQ(generate(), QString());
-    EXPECT_TRUE(builder.messages.isEmpty());
-    ASSERT_EQ(generate(true), QString()); // clean rewrites a current script
-    EXPECT_TRUE(regenerated());
-
-    // A newer map or placement, or a changed setting the script is written from, rewrites it;
-    // without a placement file its time doesn't count.
-    const struct
-    {
-        std::function<void()> change;
-        QString placement;
-        bool rewritten;
-    } cases[] = {
-        {[&] { age(mapPath, 60); }, "-", true},
-        {[&] { age(placementPath, 60); }, "-", true},
-        {[&] { age(placementPath, 60); }, QString(), false},
-        {[&] { set(app, {"arm_linker_stack_size=2048"}); }, "-", true},
-        {[&] { set(app, {"arm_library_check_memory_segment_overflow=No"}); }, "-", true},
-        {[&] { QFile::remove(scriptPath); }, "-", true},
-    };
-    for (const auto &test : cases) {
+    // After a newer map or placement, or a changed setting the script is written from, the
+    // script is made afresh; without a placement file its time doesn't count.
+    auto rewrittenAfter = [&](const std::function<void()> &change, const QString &placement) {
         settle();
-        test.change();
-        ASSERT_EQ(generate(false, test.placement), QString());
-        EXPECT_EQ(regenerated(), test.rewritten);
-    }
+        change();
+        EXPECT_EQ(generate(false, placement), QString());
+        return regenerated();
+    };
+    ASSERT_EQ(generate(), QString());
+    EXPECT_FALSE(rewrittenAfter([] {}, "-"));
+    EXPECT_TRUE(rewrittenAfter([&] { age(mapPath, 60); }, "-"));
+    EXPECT_TRUE(rewrittenAfter([&] { age(placementPath, 60); }, "-"));
+    EXPECT_FALSE(rewrittenAfter([&] { age(placementPath, 60); }, QString()));
+    EXPECT_TRUE(rewrittenAfter([&] { set(app, {"arm_linker_stack_size=2048"}); }, "-"));
+    EXPECT_TRUE(
+        rewrittenAfter([&] { set(app, {"arm_library_check_memory_segment_overflow=No"}); }, "-"));
+    EXPECT_TRUE(rewrittenAfter([&] { QFile::remove(scriptPath); }, "-"));
+    settle();
+    ASSERT_EQ(generate(true), QString()); // clean makes a current script afresh
+    EXPECT_TRUE(regenerated());
     const QByteArray script = scratch.read("app/obj/App.ld");
     EXPECT_TRUE(script.contains("  __STACKSIZE__ = 2048;\n"));
     EXPECT_FALSE(script.contains("ASSERT"));
@@ -227,11 +197,13 @@ TEST_F(LinkerScriptGeneratorTest, FailuresLeaveNoScript)
     const struct
     {
         const char *file;
-        QByteArray contents;
+        QByteArray contents; ///< null for a file that went away
         QString error;
     } cases[] = {
         {"app/map.xml", "not XML", "cannot load memory map file: " + mapPath},
         {"app/placement.xml", "<Root>", "cannot load section placement file: " + placementPath},
+        {"app/placement.xml", QByteArray(),
+         "section placement file does not exist: " + placementPath},
         {"app/placement.xml",
          placementXml("<MemorySegment name=\"ROM\"><ProgramSection name=\".x\"/>"
                       "</MemorySegment>"),
@@ -243,21 +215,16 @@ TEST_F(LinkerScriptGeneratorTest, FailuresLeaveNoScript)
         age(scratch.write("app/placement.xml", workedExamplePlacement), 10800);
         ASSERT_EQ(generate(), QString());
         settle();
-        scratch.write(each.file, each.contents); // newer than the script
+        if (each.contents.isNull())
+            QFile::remove(scratch.file(each.file));
+        else
+            scratch.write(each.file, each.contents); // newer than the script
         EXPECT_EQ(generate(), each.error);
         EXPECT_TRUE(scriptDirectory().isEmpty()) << scriptDirectory().join(' ').toStdString();
     }
 
-    // A placement file that went away: the error, and the old script goes too.
-    age(scratch.write("app/placement.xml", workedExamplePlacement), 10800);
-    ASSERT_EQ(generate(), QString());
-    settle();
-    const QString gone = scratch.file("app/gone.xml");
-    EXPECT_EQ(generate(false, gone), "section placement file does not exist: " + gone);
-    EXPECT_TRUE(builder.messages.isEmpty());
-    EXPECT_TRUE(scriptDirectory().isEmpty());
-
     // A script that can't be made where it belongs.
+    scratch.write("app/placement.xml", workedExamplePlacement);
     QDir(scratch.file("app/obj")).removeRecursively();
     scratch.write("app/obj", "a file where the directory should be");
     EXPECT_EQ(generate(), "cannot create linker script file: " + scriptPath);

@@ -19,6 +19,23 @@
 /// Settings as "save_name=value".
 using Settings = QStringList;
 
+/// An executable "App" in "app" with a C, a C++ and an assembly file, a linker script and a
+/// memory map (neither on disk), and a library "Lib".
+const QByteArray appAndLib = R"(<project Name="App">
+  <configuration Name="Common" project_directory="app" project_type="Executable"/>
+  <file Name="main.c" file_name="src/main.c"/>
+  <file Name="lib.cpp" file_name="lib.cpp"/>
+  <file Name="start.s" file_name="start.s"/>
+  <file Name="app.ld" file_name="app.ld">
+    <configuration Name="Common" file_type="Linker Script"/></file>
+  <file Name="map.xml" file_name="map.xml">
+    <configuration Name="Common" file_type="Memory Map"/></file>
+</project>
+<project Name="Lib">
+  <configuration Name="Common" project_directory="lib" project_type="Library"/>
+</project>
+)";
+
 /// A settings store of its own, with a settings object, a project system and a build system
 /// of the given types installed as the process-wide ones, and a recording builder.
 template <typename SettingsObject, typename Projects, typename System>
@@ -43,31 +60,37 @@ protected:
         environment = nullptr;
     }
 
-    /// Writes and loads a solution of `body`; "App" becomes `app`. Returns the root.
+    /// Writes and loads a solution of `body`; "App" becomes `app`, "Lib" `lib`, the source
+    /// files of "App" `files`, the first three of them `mainC`, `libCpp` and `startS` as in
+    /// `appAndLib`. Returns the root.
     ProjectElement *load(const QByteArray &body)
     {
         ProjectElement *root =
             projects.loadSolution(scratch.write("s.hdp", solutionText(body)), nullptr);
         app = projects.solutionProjects(nullptr).value(QStringLiteral("App"));
-        projectDir = app ? ProjectSystem::projectDirectoryPath(app) : QString();
+        lib = projects.solutionProjects(nullptr).value(QStringLiteral("Lib"));
+        projectDir = ProjectSystem::projectDirectoryPath(app);
+        files = ProjectSystem::sourceFiles(app);
+        mainC = files.value(0);
+        libCpp = files.value(1);
+        startS = files.value(2);
         return root;
     }
     /// Sets `values` on `element` in "Debug".
     void set(ProjectElement *element, const Settings &values)
     {
-        for (const QString &setting : values)
-            projects.setProperty(element, setting.section('=', 0, 0), debug,
-                                 setting.section('=', 1));
+        for (const QString &value : values)
+            projects.setProperty(element, value.section('=', 0, 0), debug, value.section('=', 1));
     }
     /// Removes what `set` set.
     void unset(ProjectElement *element, const Settings &values)
     {
-        for (const QString &setting : values)
-            projects.removeProperty(element, setting.section('=', 0, 0), debug);
+        for (const QString &value : values)
+            projects.removeProperty(element, value.section('=', 0, 0), debug);
     }
     /// `text` with "@" standing for the project directory of "App".
     QString expand(QString text) const { return text.replace(QLatin1Char('@'), projectDir); }
-    /// `lines` joined by newlines, scratch file names shown as "TMP" and the project directory
+    /// `lines` joined by newlines, scratch file names shown as "TMP", the project directory
     /// of "App" as "@".
     QString shown(const QStringList &lines) const
     {
@@ -102,6 +125,11 @@ protected:
     ScratchDir scratch;
     RecordingBuilder builder;
     ProjectElement *app = nullptr;
+    ProjectElement *lib = nullptr;
+    QList<ProjectElement *> files;
+    ProjectElement *mainC = nullptr;
+    ProjectElement *libCpp = nullptr;
+    ProjectElement *startS = nullptr;
     QString projectDir;
 };
 
