@@ -2,8 +2,13 @@
 // silent builder; also expands an object file name for every file, at two solution sizes, to
 // show that looking a setting up costs the element's depth and not the tree's size.
 
-#include "engine/buildfixture.h"
+#include "engine/buildsystem.h"
+#include "project/armprojectsystem.h"
+#include "project/projectelement.h"
 #include "solutiongenerator.h"
+#include "support/nullbuilder.h"
+#include "support/testsupport.h"
+#include "toolchain/armbuildsystem.h"
 
 #include <QElapsedTimer>
 

@@ -4,8 +4,12 @@
 // the file system counted.
 
 #include "engine/diskinterface.h"
-#include "engine/buildfixture.h"
+#include "project/armprojectsystem.h"
+#include "project/projectelement.h"
 #include "solutiongenerator.h"
+#include "support/nullbuilder.h"
+#include "support/testsupport.h"
+#include "toolchain/armbuildsystem.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,9 +1,11 @@
 // The build request as a user meets it: the built tidemake run on solution files. The
 // projects are of a type that makes nothing of its own, so no tool chain is needed.
 
-#include "buildfixture.h"
+#include "enginefixture.h"
 
 namespace {
+
+const char *const objectNeedingLib = "project_dependencies=\"Lib\" project_type=\"Object file\"";
 
 class BuildRequest : public ::testing::Test
 {
@@ -11,122 +13,71 @@ protected:
     BuildRequest()
     {
         scratch.write("sub.hdp", "<!DOCTYPE Tarnbench_Project_File>\n"
-                                 "<solution Name=\"Sub\" version=\"1\">\n"
-                                 "  <project Name=\"App\">\n"
-                                 "    <configuration Name=\"Common\" project_dependencies=\"Lib\" "
-                                 "project_type=\"Object file\"/>\n"
-                                 "  </project>\n"
-                                 "</solution>\n");
+                                 "<solution Name=\"Sub\" version=\"1\">\n" +
+                                     projectXml("App", objectNeedingLib) + "</solution>\n");
         scratch.write(
             "app.hdp",
-            "<!DOCTYPE Tarnbench_Project_File>\n"
-            "<solution Name=\"Top\" version=\"1\">\n"
-            "  <configuration Name=\"Common\" batch_build_configurations=\"Release;Debug\"/>\n"
-            "  <configuration Name=\"Debug\"/>\n"
-            "  <configuration Name=\"Release\"/>\n"
-            "  <configuration Name=\"Secret\" hidden=\"Yes\"/>\n"
-            "  <project Name=\"App\">\n"
-            "    <configuration Name=\"Common\" project_dependencies=\"Lib\" "
-            "project_type=\"Object file\"/>\n"
-            "    <configuration Name=\"OnlyHere\"/>\n"
-            "  </project>\n"
-            "  <project Name=\"Lib\">\n"
-            "    <configuration Name=\"Common\" project_type=\"Object file\"/>\n"
-            "  </project>\n"
-            "  <import file_name=\"sub.hdp\"/>\n"
-            "</solution>\n");
+            solutionText(
+                "  <configuration Name=\"Common\" batch_build_configurations=\"Release;Debug\"/>\n"
+                "  <configuration Name=\"Debug\"/>\n"
+                "  <configuration Name=\"Release\"/>\n"
+                "  <configuration Name=\"Secret\" hidden=\"Yes\"/>\n" +
+                projectXml("App", objectNeedingLib, "    <configuration Name=\"OnlyHere\"/>\n") +
+                projectXml("Lib", "project_type=\"Object file\"") +
+                "  <import file_name=\"sub.hdp\"/>\n"));
+        scratch.write("bad.hdp", solutionText("  <project Name=\"x\">\n"));
     }
 
-    RunResult run(const QStringList &arguments)
+    /// Runs tidemake with `arguments`, words parted by spaces.
+    RunResult run(const QString &arguments)
     {
-        return runTidemake(arguments, scratch.path(), scratch.file("home"));
+        return runTidemake(arguments.split(' '), scratch.path(), scratch.file("home"));
     }
 
     ScratchDir scratch;
 };
 
+// The lines that announce the builds "Project/Configuration" listed in `builds`.
+QString building(const QString &builds)
+{
+    QString lines;
+    for (const QString &build : builds.split(' '))
+        lines += QStringLiteral("  Building \"%1\" in configuration \"%2\"\n")
+                     .arg(build.section('/', 0, 0), build.section('/', 1));
+    return lines;
+}
+
 } // namespace
 
-TEST_F(BuildRequest, BuildsInDependencyOrder)
+TEST_F(BuildRequest, BuildsTheChosenElementsInDependencyOrderOrRefuses)
 {
-    const RunResult result = run({"-config", "Debug", "app.hdp"});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.out, "  Building \"Lib\" in configuration \"Debug\"\n"
-                          "  Building \"App\" in configuration \"Debug\"\n"
-                          "  Building \"App\" in configuration \"Debug\"\n");
-    EXPECT_EQ(result.err, "");
-
-    EXPECT_EQ(run({"-config", "Debug", "-clean", "-project", "Lib", "app.hdp"}).out,
-              "  Cleaning \"Lib\" in configuration \"Debug\"\n");
-}
-
-TEST_F(BuildRequest, ChoosesTheElementAndTheConfigurations)
-{
-    // The imported solution's App, whose Lib is found in the enclosing solution.
-    EXPECT_EQ(run({"-config", "Release", "-project", "App(Sub)", "app.hdp"}).out,
-              "  Building \"Lib\" in configuration \"Release\"\n"
-              "  Building \"App\" in configuration \"Release\"\n");
-    EXPECT_EQ(run({"-config", "Debug", "-solution", "Sub", "app.hdp"}).out,
-              "  Building \"Lib\" in configuration \"Debug\"\n"
-              "  Building \"App\" in configuration \"Debug\"\n");
-    // A batch build takes the batch list in its order.
-    EXPECT_EQ(run({"-config", "Debug", "-batch", "-project", "Lib", "app.hdp"}).out,
-              "  Building \"Lib\" in configuration \"Release\"\n"
-              "  Building \"Lib\" in configuration \"Debug\"\n");
-}
-
-TEST_F(BuildRequest, RefusesWhatItCannotFind)
-{
-    RunResult result = run({"-config", "Debug", "-project", "Nope", "app.hdp"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.out, "can't find project 'Nope' supported projects:\nApp\nApp(Sub)\nLib\n");
-
-    result = run({"-config", "Debug", "-solution", "Nope", "app.hdp"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.out, "can't find solution 'Nope' supported solutions:\nSub\nTop\n");
-
-    // Hidden configurations and those of projects alone are not offered.
-    for (const char *configuration : {"OnlyHere", "Secret", "Common"}) {
-        result = run({"-config", configuration, "-project", "App", "app.hdp"});
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_EQ(result.out, QStringLiteral("can't find configuration '%1' supported "
-                                             "configurations:\nDebug\nRelease\n")
-                                  .arg(configuration));
+    const QString configurations = "' supported configurations:\nDebug\nRelease\n";
+    const QList<std::tuple<QString, int, QString, QString>> cases = {
+        {"-config Debug app.hdp", 0, building("Lib/Debug App/Debug App/Debug"), ""},
+        {"-config Debug -clean -project Lib app.hdp", 0,
+         "  Cleaning \"Lib\" in configuration \"Debug\"\n", ""},
+        // The imported solution's App, whose Lib is found in the enclosing solution.
+        {"-config Release -project App(Sub) app.hdp", 0, building("Lib/Release App/Release"), ""},
+        {"-config Debug -solution Sub app.hdp", 0, building("Lib/Debug App/Debug"), ""},
+        // A batch build takes the batch list in its order.
+        {"-config Debug -batch -project Lib app.hdp", 0, building("Lib/Release Lib/Debug"), ""},
+        // A file that can't be loaded is reported, and the run ends well.
+        {"-config Debug missing.hdp", 0, "", "load error: missing.hdp does not exist\n"},
+        {"-config Debug bad.hdp", 0, "", "load error: bad XML file - tagName mismatch\n"},
+        {"-config Debug -project Nope app.hdp", 1,
+         "can't find project 'Nope' supported projects:\nApp\nApp(Sub)\nLib\n", ""},
+        {"-config Debug -solution Nope app.hdp", 1,
+         "can't find solution 'Nope' supported solutions:\nS\nSub\n", ""},
+        // Hidden configurations and those of projects alone are not offered.
+        {"-config OnlyHere -project App app.hdp", 1,
+         "can't find configuration 'OnlyHere" + configurations, ""},
+        {"-config Secret app.hdp", 1, "can't find configuration 'Secret" + configurations, ""},
+        {"-config Common app.hdp", 1, "can't find configuration 'Common" + configurations, ""},
+    };
+    for (const auto &[arguments, exitCode, out, err] : cases) {
+        const RunResult result = run(arguments);
+        EXPECT_EQ(result.exitCode, exitCode) << arguments.toStdString();
+        EXPECT_EQ(result.out, out);
+        EXPECT_EQ(result.err, err);
     }
-}
-
-TEST_F(BuildRequest, ReportsLoadErrorsAndEndsWell)
-{
-    RunResult result = run({"-config", "Debug", "missing.hdp"});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "load error: missing.hdp does not exist\n");
-
-    scratch.write("bad.hdp", "<!DOCTYPE Tarnbench_Project_File>\n<solution Name=\"a\">\n"
-                             "  <project Name=\"x\">\n</solution>\n");
-    result = run({"-config", "Debug", "bad.hdp"});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_TRUE(result.err.startsWith("load error: bad XML file - ")) << result.err.toStdString();
-    EXPECT_EQ(result.err.count('\n'), 1);
-}
-
-TEST_F(BuildRequest, TellsADependencyCycleOnce)
-{
-    scratch.write("cycle.hdp", "<!DOCTYPE Tarnbench_Project_File>\n"
-                               "<solution Name=\"C\" version=\"1\">\n"
-                               "  <configuration Name=\"Debug\"/>\n"
-                               "  <project Name=\"A\">\n"
-                               "    <configuration Name=\"Common\" project_dependencies=\"B\" "
-                               "project_type=\"Object file\"/>\n"
-                               "  </project>\n"
-                               "  <project Name=\"B\">\n"
-                               "    <configuration Name=\"Common\" project_dependencies=\"A\" "
-                               "project_type=\"Object file\"/>\n"
-                               "  </project>\n"
-                               "</solution>\n");
-    const RunResult result = run({"-config", "Debug", "cycle.hdp"});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.out, "project dependency cycle: \"A\" -> \"B\" -> \"A\"\n"
-                          "  Building \"B\" in configuration \"Debug\"\n"
-                          "  Building \"A\" in configuration \"Debug\"\n");
 }
