@@ -1,4 +1,5 @@
-// Writes a generated solution for benchmarks and scale tests.
+// Writes a generated solution for benchmarks and scale tests, and on request a build.ninja
+// that makes the same libraries, for comparisons.
 
 #include "solutiongenerator.h"
 
@@ -14,8 +15,9 @@ namespace {
 [[noreturn]] void usage()
 {
     std::fputs("usage: gensolution [-name NAME] [-projects N] [-files M] [-headers K]\n"
-               "                   [-deps D] [-imports I] [-folder-size F] [-sources]\n"
-               "                   [-depfiles] DIRECTORY\n",
+               "                   [-includes J] [-deps D] [-imports I] [-folder-size F]\n"
+               "                   [-libraries] [-sources] [-depfiles] [-ninja BENCHDIR]\n"
+               "                   DIRECTORY\n",
                stderr);
     std::exit(2);
 }
@@ -35,6 +37,7 @@ int main(int argc, char **argv)
 {
     SolutionShape shape;
     QString directory;
+    QString ninjaBenchDirectory;
     for (int i = 1; i < argc; ++i) {
         const char *word = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -42,6 +45,10 @@ int main(int argc, char **argv)
             shape.writeSources = true;
         else if (std::strcmp(word, "-depfiles") == 0)
             shape.writeDependencyFiles = true;
+        else if (std::strcmp(word, "-libraries") == 0)
+            shape.librariesOnly = true;
+        else if (std::strcmp(word, "-ninja") == 0 && hasValue)
+            ninjaBenchDirectory = QString::fromLocal8Bit(argv[++i]);
         else if (std::strcmp(word, "-name") == 0 && hasValue)
             shape.name = QString::fromLocal8Bit(argv[++i]);
         else if (std::strcmp(word, "-projects") == 0 && hasValue)
@@ -50,6 +57,8 @@ int main(int argc, char **argv)
             shape.filesPerProject = number(argv[++i]);
         else if (std::strcmp(word, "-headers") == 0 && hasValue)
             shape.headersPerProject = number(argv[++i]);
+        else if (std::strcmp(word, "-includes") == 0 && hasValue)
+            shape.headersPerSource = number(argv[++i]);
         else if (std::strcmp(word, "-deps") == 0 && hasValue)
             shape.dependenciesPerProject = number(argv[++i]);
         else if (std::strcmp(word, "-imports") == 0 && hasValue)
@@ -69,8 +78,12 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "gensolution: cannot make %s\n", argv[argc - 1]);
         return 1;
     }
-    const QString root = generateSolution(QDir(directory).absolutePath(), shape, &error);
-    if (root.isNull()) {
+    const QString absolute = QDir(directory).absolutePath();
+    const QString root = generateSolution(absolute, shape, &error);
+    if (root.isNull() ||
+        (!ninjaBenchDirectory.isEmpty() &&
+         generateNinjaFile(absolute, shape, QDir(ninjaBenchDirectory).absolutePath(), &error)
+             .isNull())) {
         std::fprintf(stderr, "gensolution: %s\n", error.toLocal8Bit().constData());
         return 1;
     }

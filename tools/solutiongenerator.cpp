@@ -80,6 +80,35 @@ QString headerName(const SolutionShape &shape, int header)
     return numbered(QStringLiteral("h"), header, shape.headersPerProject) + QStringLiteral(".h");
 }
 
+// The headers that C file `file` includes: a run whose start goes round the positions that fit,
+// so that the first and last headers are included by fewer files than those in the middle.
+QList<int> includedHeaders(const SolutionShape &shape, int file)
+{
+    const int all = shape.headersPerProject;
+    const int count = shape.headersPerSource < 0 ? all : std::min(shape.headersPerSource, all);
+    const int start = file % (all - count + 1);
+    QList<int> headers;
+    for (int header = start; header < start + count; ++header)
+        headers.append(header);
+    return headers;
+}
+
+bool isExecutable(const SolutionShape &shape, int index)
+{
+    return !shape.librariesOnly && (index % 10 == 9 || index == shape.projects - 1);
+}
+
+QList<Project> projectsOf(const SolutionShape &shape)
+{
+    const int solutionCount = std::max(0, shape.importedSolutions) + 1;
+    QList<Project> projects;
+    for (int i = 0; i < shape.projects; ++i)
+        projects.append({numbered(QStringLiteral("P"), i, shape.projects),
+                         int(qint64(i) * solutionCount / std::max(1, shape.projects)),
+                         dependenciesOf(i, shape.dependenciesPerProject)});
+    return projects;
+}
+
 void appendProject(QByteArray &xml, const SolutionShape &shape, const QList<Project> &projects,
                    int index)
 {
@@ -87,7 +116,7 @@ void appendProject(QByteArray &xml, const SolutionShape &shape, const QList<Proj
     QStringList dependencies;
     for (int dependency : project.dependencies)
         dependencies.append(dependencyName(project, projects[dependency]));
-    const bool executable = index % 10 == 9 || index == projects.size() - 1;
+    const bool executable = isExecutable(shape, index);
 
     QString text = QStringLiteral("  <project Name=\"%1\">\n").arg(project.name);
     text += QStringLiteral("    <configuration Name=\"Common\"");
@@ -133,20 +162,18 @@ bool writeProjectFiles(const QString &directory, const SolutionShape &shape, con
                        QString *error)
 {
     const QString projectDirectory = directory + QLatin1Char('/') + project.name;
-    QStringList headers;
-    for (int header = 0; header < shape.headersPerProject; ++header) {
-        headers.append(QStringLiteral("include/") + headerName(shape, header));
-        if (shape.writeSources &&
-            !writeFile(projectDirectory + QLatin1Char('/') + headers.last(),
+    for (int header = 0; header < shape.headersPerProject && shape.writeSources; ++header) {
+        if (!writeFile(projectDirectory + QStringLiteral("/include/") + headerName(shape, header),
                        QStringLiteral("#define %1_H%2 %2\n").arg(project.name).arg(header).toUtf8(),
                        error))
             return false;
     }
     for (int file = 0; file < shape.filesPerProject; ++file) {
         const QString source = sourceName(shape, file);
+        const QList<int> headers = includedHeaders(shape, file);
         if (shape.writeSources) {
             QString text;
-            for (int header = 0; header < shape.headersPerProject; ++header)
+            for (int header : headers)
                 text += QStringLiteral("#include \"%1\"\n").arg(headerName(shape, header));
             text += QStringLiteral("int %1_f%2(void) { return %2; }\n").arg(project.name).arg(file);
             if (!writeFile(projectDirectory + QStringLiteral("/src/") + source, text.toUtf8(),
@@ -156,8 +183,8 @@ bool writeProjectFiles(const QString &directory, const SolutionShape &shape, con
         if (shape.writeDependencyFiles) {
             const QString base = source.left(source.size() - 2);
             QString text = QStringLiteral("Debug/%1.o: src/%2").arg(base, source);
-            for (const QString &header : std::as_const(headers))
-                text += QStringLiteral(" \\\n ") + header;
+            for (int header : headers)
+                text += QStringLiteral(" \\\n include/") + headerName(shape, header);
             text += QLatin1Char('\n');
             if (!writeFile(projectDirectory + QStringLiteral("/Debug/") + base +
                                QStringLiteral(".d"),
@@ -184,11 +211,7 @@ QString generateSolution(const QString &directory, const SolutionShape &shape, Q
     if (!error)
         error = &ignored;
     const int solutionCount = std::max(0, shape.importedSolutions) + 1;
-    QList<Project> projects;
-    for (int i = 0; i < shape.projects; ++i)
-        projects.append({numbered(QStringLiteral("P"), i, shape.projects),
-                         int(qint64(i) * solutionCount / std::max(1, shape.projects)),
-                         dependenciesOf(i, shape.dependenciesPerProject)});
+    const QList<Project> projects = projectsOf(shape);
 
     QList<QByteArray> files(solutionCount);
     files[0] = solutionHeader(shape.name);
@@ -222,4 +245,97 @@ QString generateSolution(const QString &directory, const SolutionShape &shape, Q
             return QString();
     }
     return directory + QLatin1Char('/') + solutionFileName(shape, 0);
+}
+
+namespace {
+
+// The options tidemake gives cc1 and as for a generated project in "Debug" with the default
+// ARM target; the -I and -D options of each project and file follow on each build line.
+const char ninjaRules[] =
+    "cflags = -fmessage-length=0 -march=armv4t -mthumb-interwork -mlittle-endian -mfpu=vfp "
+    "-mfloat-abi=soft -nostdinc -isystem$bench/include\n"
+    "targetdefines = -D__ARM_ARCH_4T__ -D__HALDEN_ARM\n"
+    "asflags = --traditional-format -march=armv4t -mthumb-interwork -EL -mfpu=vfp "
+    "-mfloat-abi=soft\n"
+    "\n"
+    // The assembly file stays beside the object: removing it would cost Ninja a process per
+    // file where tidemake removes it without one.
+    "rule cc\n"
+    "  command = $tools/cc1 $cflags $includes $targetdefines $defines -MD ${out}.d -MQ $out "
+    "-quiet -gdwarf-2 -fno-builtin $in -o ${out}.s && $tools/as $asflags ${out}.s -o $out\n"
+    "  depfile = ${out}.d\n"
+    "  deps = gcc\n"
+    "  description = Compiling $in\n"
+    "\n"
+    "rule ar\n"
+    "  command = $tools/ar -rcs $out $in\n"
+    "  description = Archiving $out\n";
+
+QString ninjaLibrary(const Project &project)
+{
+    return project.name + QStringLiteral("/Ninja/") + project.name + QStringLiteral(".a");
+}
+
+// The build lines of one project: each object, then the library. The objects wait for the
+// libraries of the projects this one depends on, as tidemake builds those first.
+QString ninjaProject(const SolutionShape &shape, const QList<Project> &projects, int index)
+{
+    const Project &project = projects[index];
+    QString orderOnly;
+    for (int dependency : project.dependencies)
+        orderOnly += QLatin1Char(' ') + ninjaLibrary(projects[dependency]);
+    if (!orderOnly.isEmpty())
+        orderOnly.prepend(QStringLiteral(" ||"));
+
+    QString text;
+    QString objects;
+    for (int file = 0; file < shape.filesPerProject; ++file) {
+        const QString source = sourceName(shape, file);
+        const QString object = project.name + QStringLiteral("/Ninja/") +
+                               source.left(source.size() - 2) + QStringLiteral(".o");
+        objects += QLatin1Char(' ') + object;
+        QString defines = QStringLiteral("-D%1_DEBUG -DDEBUG -DBASE").arg(project.name);
+        if (file % 10 == 3)
+            defines.prepend(QStringLiteral("-DFILE_%1 ").arg(file));
+        text += QStringLiteral("build %1: cc %2/src/%3%4\n  includes = -I%2/include\n"
+                               "  defines = %5\n")
+                    .arg(object, project.name, source, orderOnly, defines);
+    }
+    text += QStringLiteral("build %1: ar%2\n").arg(ninjaLibrary(project), objects);
+    return text;
+}
+
+} // namespace
+
+QString generateNinjaFile(const QString &directory, const SolutionShape &shape,
+                          const QString &benchDirectory, QString *error)
+{
+    QString ignored;
+    if (!error)
+        error = &ignored;
+    if (!shape.librariesOnly) {
+        *error = QStringLiteral("build.ninja is written for library projects only");
+        return QString();
+    }
+    // The directory goes into shell commands unquoted.
+    for (QChar c : benchDirectory)
+        if (!c.isLetterOrNumber() && !QStringLiteral("/._-+").contains(c)) {
+            *error = QStringLiteral("the bench directory's path must be plain: ") + benchDirectory;
+            return QString();
+        }
+
+    const QList<Project> projects = projectsOf(shape);
+    QString text =
+        QStringLiteral("ninja_required_version = 1.3\nbench = %1\ntools = $bench/gcc/bin\n")
+            .arg(benchDirectory);
+    text += QLatin1String(ninjaRules);
+    QStringList libraries;
+    for (int i = 0; i < projects.size(); ++i) {
+        text += QLatin1Char('\n') + ninjaProject(shape, projects, i);
+        libraries.append(ninjaLibrary(projects[i]));
+    }
+    text += QStringLiteral("\nbuild all: phony %1\ndefault all\n").arg(libraries.join(' '));
+
+    const QString path = directory + QStringLiteral("/build.ninja");
+    return writeFile(path, text.toUtf8(), error) ? path : QString();
 }
