@@ -19,7 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-enum { MAX_DIRECTORIES = 64, MAX_HEADERS = 4096 };
+enum { MAX_DIRECTORIES = 64 };
 
 static const char *program = "faketool";
 
@@ -52,12 +52,12 @@ static const char *basenameOf(const char *path)
     return slash ? slash + 1 : path;
 }
 
-/* Options of cc1 and as whose value is the next argument. */
+/* Options of cc1 whose value is the next argument. */
 static int takesValue(const char *option)
 {
-    static const char *const options[] = {"-o", "-MD", "-MMD", "-MF", "-MQ", "-MT", "-I",
-                                          "-iquote", "-isystem", "-include", "-imacros",
-                                          "-D", "-U", "-aux-info", "-dumpbase", NULL};
+    static const char *const options[] = {
+        "-o",       "-MD",      "-MMD",     "-MF", "-MQ", "-MT",       "-I",        "-iquote",
+        "-isystem", "-include", "-imacros", "-D",  "-U",  "-aux-info", "-dumpbase", NULL};
     for (const char *const *candidate = options; *candidate; ++candidate)
         if (strcmp(option, *candidate) == 0)
             return 1;
@@ -180,14 +180,41 @@ static int findHeader(const struct Compile *compile, const char *name, size_t le
     for (int i = 0; i < compile->directoryCount; ++i)
         candidates[count++] = compile->directories[i];
     for (int i = 0; i < count; ++i) {
-        const int written = strcmp(candidates[i], ".") == 0
-                                ? snprintf(found, size, "%.*s", (int)length, name)
-                                : snprintf(found, size, "%s/%.*s", candidates[i], (int)length,
-                                           name);
+        const int written =
+            strcmp(candidates[i], ".") == 0
+                ? snprintf(found, size, "%.*s", (int)length, name)
+                : snprintf(found, size, "%s/%.*s", candidates[i], (int)length, name);
         if (written > 0 && (size_t)written < size && exists(found))
             return 1;
     }
     return 0;
+}
+
+static const char *skipBlanks(const char *p, const char *end)
+{
+    while (p < end && (*p == ' ' || *p == '\t'))
+        ++p;
+    return p;
+}
+
+/* The header an #include line from `line` to `end` names, or NULL for any other line;
+ * `quoted` tells "name" from <name>. */
+static const char *includedName(const char *line, const char *end, size_t *length, int *quoted)
+{
+    const char *p = skipBlanks(line, end);
+    if (p == end || *p != '#')
+        return NULL;
+    p = skipBlanks(p + 1, end);
+    if ((size_t)(end - p) <= 7 || strncmp(p, "include", 7) != 0)
+        return NULL;
+    p = skipBlanks(p + 7, end);
+    const char close = *p == '"' ? '"' : *p == '<' ? '>' : '\0';
+    const char *last = close ? memchr(p + 1, close, (size_t)(end - p - 1)) : NULL;
+    if (!last)
+        return NULL;
+    *length = (size_t)(last - p - 1);
+    *quoted = close == '"';
+    return p + 1;
 }
 
 /* The dependency file of `compile`: the target, the source, then each included header. */
@@ -197,44 +224,28 @@ static int writeDependencyFile(const struct Compile *compile, const struct Text 
     appendString(&text, compile->target ? compile->target : compile->output);
     appendString(&text, ": ");
     appendString(&text, compile->source);
-    int headers = 0;
-    for (const char *line = source->data; *line && headers < MAX_HEADERS;) {
+    int result = 0;
+    for (const char *line = source->data; *line && result == 0;) {
         const char *end = strchr(line, '\n');
         if (!end)
             end = line + strlen(line);
-        const char *p = line;
-        while (p < end && (*p == ' ' || *p == '\t'))
-            ++p;
-        if (p < end && *p == '#') {
-            ++p;
-            while (p < end && (*p == ' ' || *p == '\t'))
-                ++p;
-            if ((size_t)(end - p) > 7 && strncmp(p, "include", 7) == 0) {
-                p += 7;
-                while (p < end && (*p == ' ' || *p == '\t'))
-                    ++p;
-                const char close = *p == '"' ? '"' : *p == '<' ? '>' : '\0';
-                const char *name = p + 1;
-                const char *last = close ? memchr(name, close, (size_t)(end - name)) : NULL;
-                if (last) {
-                    char found[4096];
-                    if (!findHeader(compile, name, (size_t)(last - name), close == '"', found,
-                                    sizeof found)) {
-                        fprintf(stderr, "%s: fatal error: %.*s: No such file or directory\n",
-                                compile->source, (int)(last - name), name);
-                        free(text.data);
-                        return 1;
-                    }
-                    appendString(&text, " \\\n ");
-                    appendString(&text, found);
-                    ++headers;
-                }
-            }
+        size_t length;
+        int quoted;
+        const char *name = includedName(line, end, &length, &quoted);
+        char found[4096];
+        if (name && findHeader(compile, name, length, quoted, found, sizeof found)) {
+            appendString(&text, " \\\n ");
+            appendString(&text, found);
+        } else if (name) {
+            fprintf(stderr, "%s: fatal error: %.*s: No such file or directory\n", compile->source,
+                    (int)length, name);
+            result = 1;
         }
         line = *end ? end + 1 : end;
     }
     appendString(&text, "\n");
-    const int result = writeFile(compile->dependencyFile, text.data, text.size);
+    if (result == 0)
+        result = writeFile(compile->dependencyFile, text.data, text.size);
     free(text.data);
     return result;
 }
