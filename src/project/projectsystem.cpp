@@ -266,7 +266,16 @@ void ProjectSystem::removeElement(ProjectElement *element, bool destroy)
         parent->removeChild(element);
     else if (element == m_rootSolution)
         m_rootSolution = nullptr;
-    m_pendingTemplates.removeAll(element);
+    // An element removed while its file loads may hold elements that named a template.
+    if (!m_pendingTemplates.isEmpty()) {
+        m_pendingTemplates.removeIf([element](const ProjectElement *pending) {
+            for (const ProjectElement *e = pending; e; e = e->parent()) {
+                if (e == element)
+                    return true;
+            }
+            return false;
+        });
+    }
     if (destroy)
         delete element;
     if (isIndexed(type))

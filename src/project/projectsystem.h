@@ -316,6 +316,9 @@ private:
                                    ProjectFileNotFoundErrorHandler *handler, int solutionDepth);
     ProjectElement *loadProjectFileAt(const QString &directory, const QString &path,
                                       ProjectFileNotFoundErrorHandler *handler, int solutionDepth);
+    /// Fills each element that named a template from it, in load order; throws
+    /// `SolutionLoadError` for a name that isn't a template, after which no solution is loaded.
+    void expandTemplates();
     /// Loads the file of an `import` element as a solution element marked imported.
     ProjectElement *loadImport(const QString &directory, const XMLElement *xml,
                                ProjectFileNotFoundErrorHandler *handler, int solutionDepth);

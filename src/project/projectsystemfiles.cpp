@@ -4,6 +4,7 @@
 #include "project/projectfilenotfounderrorhandler.h"
 #include "project/projectfilesaveerrorhandler.h"
 #include "project/projectsystem.h"
+#include "project/projecttemplates.h"
 #include "project/solutionloaderror.h"
 #include "project/solutionsaveerror.h"
 
@@ -17,6 +18,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -100,18 +102,30 @@ ProjectElement *ProjectSystem::loadSolution(const QString &path,
         m_loadStack.clear();
         throw;
     }
-    if (!m_pendingTemplates.isEmpty()) {
-        // No project template can be found until templates are installed: the first
-        // project that asks for one ends the load.
-        ProjectElement *element = m_pendingTemplates.first();
-        const QString templateName = element->attribute(templateNameAttribute);
-        m_pendingTemplates.clear();
-        closeSolution();
-        throw SolutionLoadError(templateName, QStringLiteral(" project template not found"));
-    }
+    if (!m_pendingTemplates.isEmpty())
+        expandTemplates();
     updateProjectList();
     emit solutionLoaded();
     return m_rootSolution;
+}
+
+void ProjectSystem::expandTemplates()
+{
+    ProjectTemplates templates(this);
+    const QList<ProjectElement *> pending = std::exchange(m_pendingTemplates, {});
+    for (ProjectElement *element : pending) {
+        const QString templateName = element->attribute(templateNameAttribute);
+        element->removeAttribute(templateNameAttribute);
+        XMLElement *projectTemplate = templates.findTemplate(templateName);
+        if (!projectTemplate) {
+            closeSolution();
+            throw SolutionLoadError(templateName, QStringLiteral(" project template not found"));
+        }
+        templates.createProjectFromTemplate(solutionContaining(element->parent()), element,
+                                            projectTemplate);
+    }
+    // What the templates filled in is part of the solution as loaded, not a change to save.
+    clearModified(m_rootSolution, true, true);
 }
 
 ProjectElement *ProjectSystem::loadProjectFile(const QString &directory, const QString &path,
