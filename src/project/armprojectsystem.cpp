@@ -1,5 +1,12 @@
 #include "project/armprojectsystem.h"
 
+#include "project/projectelement.h"
+
+#include <QDomDocument>
+#include <QDomElement>
+#include <QFile>
+#include <QFileInfo>
+
 ARMProjectSystem::ARMProjectSystem(const QString &executableExtension)
     : GCCProjectSystem(executableExtension)
 {
@@ -58,4 +65,73 @@ void ARMProjectSystem::appendTargetProperties(PropertyClassList *list)
                          "arm_core_type",
                          "arm_fpu_type",
                          "arm_fp_format"});
+}
+
+void ARMProjectSystem::munge(ProjectElement *element)
+{
+    if (element->type() == ProjectElement::Solution) {
+        for (ProjectElement *child = element->firstChild(); child; child = child->nextSibling())
+            munge(child);
+        return;
+    }
+    if (element->type() != ProjectElement::Project ||
+        getProjectType(element) != QLatin1String("Executable"))
+        return;
+    ProjectElement *folder = findByName(element, QStringLiteral("Startup Code"));
+    if (!folder || !folder->firstChild())
+        return;
+    ProjectElement *definitions = folder->firstChild();
+    while (definitions && (definitions->type() != ProjectElement::File ||
+                           getFileType(definitions) != QLatin1String("Target Definitions")))
+        definitions = definitions->nextSibling();
+    if (!definitions)
+        return;
+    // The file's content now lives in settings, so it goes even if it can't be read.
+    applyTargetDefinitions(definitions->path().osPathQString(), element, folder);
+    removeElement(definitions, true);
+}
+
+bool ARMProjectSystem::applyTargetDefinitions(const QString &path, ProjectElement *project,
+                                              ProjectElement *folder)
+{
+    QFile file(path);
+    QDomDocument document;
+    if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly) || !document.setContent(&file))
+        return false;
+    const QDomElement root = document.documentElement();
+    if (root.tagName() != QLatin1String("objects"))
+        return true;
+
+    const QString resetScript = QStringLiteral("target_reset_script");
+    const QString ram = QStringLiteral("RAM");
+    const QString flash = QStringLiteral("Flash");
+    bool folderUsed = false;
+    for (QDomElement target = root.firstChildElement(); !target.isNull();
+         target = target.nextSiblingElement()) {
+        if (!folderUsed && target.hasAttribute(QStringLiteral("targetScriptFilePath"))) {
+            ProjectElement *script =
+                addFile(folder, target.attribute(QStringLiteral("targetScriptFilePath")), false);
+            setProperty(script, fileTypeClass, ProjectElement::commonConfiguration(),
+                        QStringLiteral("Reset Script"), false);
+            folderUsed = true;
+        }
+        const bool hasScript = target.hasAttribute(QStringLiteral("resetScript"));
+        // An absent script is stored as an empty one, never as a null value.
+        const QString script = target.attribute(QStringLiteral("resetScript"), QStringLiteral(""));
+        const QString name = target.attribute(QStringLiteral("name"));
+        if (hasScript && target.hasAttribute(QStringLiteral("name")) && name.endsWith(ram)) {
+            setProperty(project, resetScript, ram, script, false);
+            continue;
+        }
+        if (!name.endsWith(QLatin1String("FLASH")))
+            continue;
+        setProperty(project, resetScript, flash, script, false);
+        if (target.hasAttribute(QStringLiteral("loaderPath")))
+            setProperty(project, QStringLiteral("arm_target_flash_loader_file_path"), flash,
+                        target.attribute(QStringLiteral("loaderPath")), false);
+        if (target.hasAttribute(QStringLiteral("loaderType")))
+            setProperty(project, QStringLiteral("arm_target_flash_loader_type"), flash,
+                        QStringLiteral("RAM Loader"), false);
+    }
+    return true;
 }

@@ -19,4 +19,15 @@ public:
     void appendLinkerProperties(PropertyClassList *list) override;
     /// The generic target list, then the ARM debug interface and loader settings.
     void appendTargetProperties(PropertyClassList *list) override;
+
+    /// Upgrades an executable project whose "Startup Code" folder still holds a target
+    /// definitions file: its reset scripts and flash loader become settings of the project,
+    /// its first target script a file of the folder, and the definitions file goes.
+    void munge(ProjectElement *element) override;
+
+private:
+    /// Turns the targets of the definitions file `path` into settings of `project` and, for
+    /// the first that names a script, a file in `folder`. False if the file can't be read.
+    bool applyTargetDefinitions(const QString &path, ProjectElement *project,
+                                ProjectElement *folder);
 };
