@@ -5,279 +5,158 @@
 #include "properties/propertyvaluelist.h"
 
 #include <memory>
-#include <vector>
 
 namespace {
 
-using E = ProjectElement;
-
-/// The build side as the project model sees it: a catalogue of the generic build classes and
-/// a few ARM ones (some ARM names deliberately missing), and expansion of one macro.
-class FakeBuildCatalogue : public SettingExpander
+/// The build side as the project model sees it: a few classes of the build catalogue, one of
+/// each list and those the lists share (any others are skipped), and two forms of the output
+/// file name.
+struct FakeBuildCatalogue : SettingExpander
 {
-public:
-    FakeBuildCatalogue(ProjectSystem &system, const QString &scratchDir)
-        : m_system(system), m_scratchDir(scratchDir)
+    explicit FakeBuildCatalogue(ProjectSystem &system) : system(system)
     {
-        for (const char *name : {"c_preprocessor_definitions",
-                                 "c_preprocessor_undefinitions",
-                                 "c_user_include_directories",
-                                 "c_system_include_directories",
-                                 "c_undefine_all_preprocessor_definitions",
-                                 "c_ignore_includes",
-                                 "build_treat_warnings_as_errors",
-                                 "build_suppress_warnings",
-                                 "build_debug_information",
-                                 "build_quietly",
-                                 "default_code_section",
-                                 "default_data_section",
-                                 "default_zeroed_section",
-                                 "default_const_section",
-                                 "default_vector_section",
-                                 "c_additional_options",
-                                 "c_enforce_ansi_checking",
-                                 "cpp_enable_exceptions",
-                                 "cpp_enable_rtti",
-                                 "asm_additional_options",
-                                 "linker_memory_map_file",
-                                 "linker_post_build_command",
-                                 "target_reset_script",
-                                 "debug_working_directory",
-                                 "build_output_directory",
-                                 "build_intermediate_directory",
-                                 "build_object_file_name",
-                                 "build_exclude_from_build",
-                                 "stage_command",
-                                 "stage_output_filepath",
-                                 "stage_package_filepath",
-                                 "stage_package_member_name",
-                                 "stage_set_readonly",
-                                 "combine_command",
-                                 "combine_output_filepath",
-                                 "combine_set_readonly",
-                                 "external_build_command",
-                                 "gcc_optimization_level",
-                                 "gcc_entry_point",
-                                 "arm_instruction_set",
-                                 "arm_keep_assembly",
-                                 "arm_long_calls",
-                                 "build_remove_unused_symbols",
-                                 "arm_library_instruction_set",
-                                 "arm_fp_format"})
-            add(name);
-        groupsPath = add("property_groups_file_path");
-        groupsPath->setDefault("None");
-        linkerOutput = add("build_output_file_name");
-        libraryOutput = add("build_output_file_name");
+        for (const char *name :
+             {"build_output_directory", "build_intermediate_directory", "build_object_file_name",
+              "build_exclude_from_build", "build_quietly", "c_additional_options",
+              "cpp_enable_rtti", "asm_additional_options", "gcc_entry_point",
+              "debug_working_directory", "arm_keep_assembly", "arm_long_calls",
+              "build_remove_unused_symbols", "arm_fp_format", "stage_command", "combine_command",
+              "external_build_command", "property_groups_file_path", "build_output_file_name"})
+            classes[name] =
+                std::make_shared<PropertyClass>(name, PropertyClass::String, "", "", "");
+        classes["property_groups_file_path"]->setDefault("None");
     }
-
     QString settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,
                                const QString &configuration) override
     {
-        return m_system.settingFor(element, propertyClass, configuration)
-            .replace("$(Scratch)", m_scratchDir);
+        return system.settingFor(element, propertyClass, configuration);
     }
     PropertyClass *findPropertyClass(const QString &saveName) const override
     {
-        return m_byName.value(saveName);
+        return classes.value(saveName).get();
     }
-    PropertyClass *linkerOutputFileNameClass() const override { return linkerOutput; }
+    PropertyClass *linkerOutputFileNameClass() const override { return linkerOutput.get(); }
 
-    PropertyClass *groupsPath;
-    PropertyClass *linkerOutput;
-    PropertyClass *libraryOutput;
-
-private:
-    PropertyClass *add(const char *name)
-    {
-        m_classes.push_back(std::make_unique<PropertyClass>(QString::fromLatin1(name),
-                                                            PropertyClass::String, "G", "T", "L"));
-        m_byName.insert(name, m_classes.back().get());
-        return m_classes.back().get();
-    }
-
-    ProjectSystem &m_system;
-    QString m_scratchDir;
-    std::vector<std::unique_ptr<PropertyClass>> m_classes;
-    QMap<QString, PropertyClass *> m_byName;
+    ProjectSystem &system;
+    QMap<QString, std::shared_ptr<PropertyClass>> classes;
+    std::shared_ptr<PropertyClass> linkerOutput = std::make_shared<PropertyClass>(
+        "build_output_file_name", PropertyClass::String, "", "", "");
 };
 
 class ApplicableSettingsTest : public ProjectTest
 {
 protected:
-    ApplicableSettingsTest() : catalogue(system, scratch.path())
+    ApplicableSettingsTest() : catalogue(system)
     {
         system.setSettingExpander(&catalogue);
         solution = system.createSolution("S", scratch.path());
     }
     ~ApplicableSettingsTest() override { system.setSettingExpander(nullptr); }
 
-    /// The applicable values of `element` in "Debug", as save names.
-    QStringList names(E *element)
+    /// The applicable values of `element` in "Debug": the save names of its own classes, then
+    /// "group:" and the names of the property groups.
+    QString names(E *element)
     {
         std::unique_ptr<PropertyValueList> values(system.applicableSettingsFor(element, "Debug"));
         QStringList result;
         for (PropertyValue *value : *values) {
             auto *bound = dynamic_cast<ProjectPropertyValue *>(value);
-            EXPECT_TRUE(bound && bound->element() == element && bound->configuration() == "Debug");
-            result.append(value->propertyClass()->saveName());
+            const bool group = dynamic_cast<PropertyValueGroupValue *>(value);
+            EXPECT_TRUE(group || (bound && bound->element() == element &&
+                                  bound->configuration() == "Debug"));
+            result.append((group ? "group:" : "") + value->propertyClass()->saveName());
         }
-        return result;
+        return result.join(' ');
     }
     /// A new project of `type`; an empty type leaves "project_type" unset.
     E *project(const QString &type)
     {
         E *made =
-            system.createProject(solution, QString("P%1").arg(++m_projects), scratch.path(), type);
+            system.createProject(solution, QString("P%1").arg(++projects), scratch.path(), type);
         if (type.isEmpty())
             system.removeProperty(made, system.projectTypeClass, "Common");
         return made;
     }
+    E *file(E *parent, const QString &name) { return system.addFile(parent, scratch.file(name)); }
 
     FakeBuildCatalogue catalogue;
     E *solution;
-
-private:
-    int m_projects = 0;
+    int projects = 0;
 };
 
-TEST_F(ApplicableSettingsTest, FileTypesAreDecidedOnceAndKept)
+TEST_F(ApplicableSettingsTest, FileTypesComeFromTheSettingTheSuffixOrTheDocumentType)
 {
     E *app = project("Executable");
-    auto file = [&](const QString &name) { return system.addFile(app, scratch.file(name)); };
-    EXPECT_EQ(system.getFileType(file("never/written.c")), "C") << "the suffix needs no file";
-    EXPECT_EQ(system.getFileType(file("f.4")), "Forth");
-    EXPECT_EQ(system.getFileType(file("b.BAS")), "Basic");
-    EXPECT_EQ(system.getFileType(file("lib.a")), "Library");
-    EXPECT_EQ(system.getFileType(file("start.asm")), "Assembly");
-
+    EXPECT_EQ(system.getFileType(file(app, "never/written.CC")), "C++") << "no file needed";
     scratch.write("place.xml", "<!DOCTYPE Linker_Placement_File><Root/>");
-    scratch.write("target.xml", "<!DOCTYPE Tarnbench_Target_Definition_File><Root/>");
     scratch.write("later.xml", "<Root/>");
-    E *placement = file("place.xml");
-    E *later = file("later.xml");
+    E *placement = file(app, "place.xml");
+    E *later = file(app, "later.xml");
     EXPECT_EQ(system.getFileType(placement), "Section Placement");
-    EXPECT_EQ(system.getFileType(file("target.xml")), "Target Definitions");
     EXPECT_EQ(system.getFileType(later), "");
-
     scratch.write("place.xml", "<!DOCTYPE Board_Memory_Definition_File><Root/>");
     scratch.write("later.xml", "<!DOCTYPE Board_Memory_Definition_File><Root/>");
     EXPECT_EQ(system.getFileType(placement), "Section Placement") << "a found type is cached";
     EXPECT_EQ(system.getFileType(later), "Memory Map") << "an empty type is not";
-
     system.setProperty(placement, system.fileTypeClass, "Debug", "C");
     EXPECT_EQ(system.getFileType(placement), "Section Placement") << "only Common's setting";
     system.setProperty(placement, system.fileTypeClass, "Common", "Threads Script");
     EXPECT_EQ(system.getFileType(placement), "Threads Script");
 }
 
-TEST_F(ApplicableSettingsTest, ListsByElementKind)
+TEST_F(ApplicableSettingsTest, ListsGoByElementKindAndKeepTheFirstPlaceOfARepeatedClass)
 {
-    EXPECT_EQ(names(project("")), QStringList{"build_exclude_from_build"});
-    EXPECT_EQ(names(project("Combining")),
-              QStringList({"build_output_directory", "combine_command", "combine_output_filepath",
-                           "combine_set_readonly", "build_exclude_from_build"}));
-
-    E *staging = project("Staging");
-    const QStringList stagingProject{"build_output_directory",    "stage_command",
-                                     "stage_output_filepath",     "stage_package_filepath",
-                                     "stage_package_member_name", "stage_set_readonly",
-                                     "build_exclude_from_build"};
-    EXPECT_EQ(names(staging), stagingProject);
-    EXPECT_EQ(names(system.createFolder(staging, "Files", "")), stagingProject);
-    EXPECT_EQ(
-        names(system.addFile(staging, scratch.file("x.c"))),
-        QStringList({"stage_output_filepath", "stage_package_filepath", "stage_package_member_name",
-                     "stage_command", "build_exclude_from_build", "stage_set_readonly"}));
-    EXPECT_EQ(names(system.createFolder(project("Combining"), "F", "")),
-              QStringList{"build_exclude_from_build"});
-
+    // The C++ file's list shows the layers in order, a repeated class in its first place only
+    // and the names the catalogue lacks skipped; the rest show which lists each kind takes.
     E *library = project("Library");
-    const QStringList libraryList = names(library);
-    EXPECT_EQ(libraryList.mid(0, 4),
-              QStringList({"build_output_directory", "build_intermediate_directory",
-                           "build_object_file_name", "c_additional_options"}));
-    EXPECT_EQ(libraryList.mid(libraryList.size() - 2),
-              QStringList({"build_output_file_name", "build_exclude_from_build"}));
-    std::unique_ptr<PropertyValueList> libraryValues(
-        system.applicableSettingsFor(library, "Debug"));
-    EXPECT_NE(libraryValues->find(catalogue.libraryOutput), nullptr);
-
-    const QStringList folder = names(system.createFolder(library, "Source", "c"));
-    EXPECT_EQ(folder.first(), "build_output_directory");
-    EXPECT_EQ(folder.mid(folder.size() - 2),
-              QStringList({"build_intermediate_directory", "build_exclude_from_build"}))
-        << "an object-file list has no intermediate directory of its own";
-
-    const QStringList c = names(system.addFile(library, scratch.file("m.c")));
-    EXPECT_EQ(c.mid(0, 3), QStringList({"file_codec", "file_type", "c_additional_options"}));
-    EXPECT_EQ(c.mid(c.size() - 2),
-              QStringList({"build_object_file_name", "build_exclude_from_build"}));
-    const QStringList cpp = names(system.addFile(library, scratch.file("m.cpp")));
-    EXPECT_EQ(cpp.mid(cpp.size() - 4),
-              QStringList({"cpp_enable_exceptions", "cpp_enable_rtti", "build_object_file_name",
-                           "build_exclude_from_build"}));
     scratch.write("unknown.xml", "<!DOCTYPE Unknown><Root/>");
-    EXPECT_EQ(names(system.addFile(library, scratch.file("unknown.xml"))),
-              QStringList({"file_codec", "file_type", "build_exclude_from_build"}));
-
-    const QStringList solutionList = names(solution);
-    EXPECT_EQ(solutionList.first(), "build_output_directory");
-    EXPECT_EQ(solutionList.last(), "stage_set_readonly");
-    EXPECT_FALSE(solutionList.contains("build_exclude_from_build"));
-    EXPECT_TRUE(solutionList.contains("gcc_entry_point"));
-}
-
-TEST_F(ApplicableSettingsTest, ToolChainListsKeepTheFirstPlaceOfARepeatedClass)
-{
-    E *app = project("Executable");
-    const QStringList list = names(app);
-    EXPECT_EQ(list.count("arm_keep_assembly"), 1);
-    EXPECT_LT(list.indexOf("arm_keep_assembly"), list.indexOf("arm_long_calls"))
-        << "the ARM assembler list comes before the ARM C additions";
-    EXPECT_LT(list.indexOf("gcc_optimization_level"), list.indexOf("arm_instruction_set"));
-    EXPECT_LT(list.indexOf("linker_post_build_command"), list.indexOf("gcc_entry_point"));
-    EXPECT_LT(list.indexOf("gcc_entry_point"), list.indexOf("arm_library_instruction_set"));
-    EXPECT_LT(list.indexOf("debug_working_directory"), list.indexOf("arm_fp_format"));
-    EXPECT_EQ(list.count("build_remove_unused_symbols"), 1);
-    EXPECT_FALSE(list.contains("arm_fp_abi")) << "names the catalogue lacks are skipped";
-    EXPECT_EQ(list.mid(list.size() - 3),
-              QStringList({"build_output_file_name", "property_groups_file_path",
-                           "build_exclude_from_build"}));
-    std::unique_ptr<PropertyValueList> values(system.applicableSettingsFor(app, "Debug"));
-    EXPECT_NE(values->find(catalogue.linkerOutput), nullptr);
-    EXPECT_EQ(values->find(catalogue.libraryOutput), nullptr);
+    const std::pair<E *, const char *> kinds[] = {
+        {file(library, "m.cpp"),
+         "file_codec file_type c_additional_options build_quietly asm_additional_options "
+         "arm_keep_assembly arm_long_calls build_remove_unused_symbols cpp_enable_rtti "
+         "build_object_file_name build_exclude_from_build"},
+        {solution, "build_output_directory build_intermediate_directory c_additional_options "
+                   "build_quietly asm_additional_options arm_keep_assembly arm_long_calls "
+                   "build_remove_unused_symbols cpp_enable_rtti gcc_entry_point stage_command"},
+        {project(""), "build_exclude_from_build"},
+        {project("Combining"), "build_output_directory combine_command build_exclude_from_build"},
+        {project("Externally Built Executable"), "external_build_command debug_working_directory "
+                                                 "arm_fp_format property_groups_file_path "
+                                                 "build_exclude_from_build"},
+        {file(project("Staging"), "x.c"), "stage_command build_exclude_from_build"},
+        {system.createFolder(project("Combining"), "F", ""), "build_exclude_from_build"},
+        {file(library, "unknown.xml"), "file_codec file_type build_exclude_from_build"}};
+    for (const auto &[element, expected] : kinds)
+        EXPECT_EQ(names(element), expected) << element->getName().toStdString();
+    // The other compiled kinds take the same compilers' lists and differ at their ends.
+    EXPECT_TRUE(names(project("Executable"))
+                    .endsWith("rtti gcc_entry_point debug_working_directory arm_fp_format "
+                              "build_output_file_name property_groups_file_path "
+                              "build_exclude_from_build"));
+    EXPECT_TRUE(names(library).endsWith("rtti build_output_file_name build_exclude_from_build"));
+    EXPECT_TRUE(names(system.createFolder(library, "Source", "c"))
+                    .endsWith("rtti build_intermediate_directory build_exclude_from_build"));
+    // Executables take the linker's form of the output file name, libraries the catalogue's.
+    std::unique_ptr<PropertyValueList> values(system.applicableSettingsFor(library, "Debug"));
+    EXPECT_NE(values->find(catalogue.classes["build_output_file_name"].get()), nullptr);
+    values.reset(system.applicableSettingsFor(project("Executable"), "Debug"));
+    EXPECT_NE(values->find(catalogue.linkerOutput.get()), nullptr);
 }
 
 TEST_F(ApplicableSettingsTest, GroupValuesFollowForSolutionsAndExecutables)
 {
-    scratch.write("groups/g.xml", R"(<groups>
-  <group name="cpu" default="a"><groupEntry name="a"/></group>
-  <group name="board" default="b"/>
-</groups>)");
-    auto groupNames = [this](E *element) {
-        std::unique_ptr<PropertyValueList> values(system.applicableSettingsFor(element, "Debug"));
-        QStringList result;
-        for (PropertyValue *value : *values) {
-            if (dynamic_cast<PropertyValueGroupValue *>(value))
-                result.append(value->propertyClass()->saveName());
-        }
-        return result;
-    };
+    const QString groups = scratch.write("g.xml", "<groups><group name=\"cpu\" default=\"a\">"
+                                                  "<groupEntry name=\"a\"/></group>"
+                                                  "<group name=\"board\" default=\"b\"/></groups>");
     E *app = project("Executable");
-    E *external = project("Externally Built Executable");
-    E *library = project("Library");
-    EXPECT_TRUE(groupNames(app).isEmpty()) << "the default path here is None";
-
-    system.setProperty(solution, catalogue.groupsPath, "Common", "$(Scratch)/groups/g.xml");
-    const QStringList both{"cpu", "board"};
-    EXPECT_EQ(groupNames(solution), both);
-    EXPECT_EQ(groupNames(app), both);
-    EXPECT_EQ(groupNames(external), both);
-    EXPECT_TRUE(groupNames(library).isEmpty());
-
-    system.setProperty(app, catalogue.groupsPath, "Debug", "");
-    EXPECT_TRUE(groupNames(app).isEmpty()) << "an empty path leaves the groups out";
+    EXPECT_FALSE(names(app).contains("group:")) << "the default path here is None";
+    PropertyClass *groupsPath = catalogue.classes["property_groups_file_path"].get();
+    system.setProperty(solution, groupsPath, "Common", groups);
+    for (E *element : {solution, app, project("Externally Built Executable")})
+        EXPECT_TRUE(names(element).endsWith("group:cpu group:board"));
+    EXPECT_FALSE(names(project("Library")).contains("group:"));
+    system.setProperty(app, groupsPath, "Debug", "");
+    EXPECT_FALSE(names(app).contains("group:")) << "an empty path leaves the groups out";
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "engine/builder.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
 #include "project/solutionloaderror.h"
@@ -9,14 +8,14 @@
 #include "support/testsupport.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
 #include <optional>
 
 /// A test with its own project system installed as the global one, and a scratch directory.
 class ProjectTest : public ::testing::Test
 {
 protected:
+    using E = ProjectElement;
+
     ProjectTest() { projectSystem = &system; }
     ~ProjectTest() override { projectSystem = nullptr; }
 
@@ -40,15 +39,20 @@ protected:
     {
         return scratch.write(relative, "<!DOCTYPE Tarnbench_Project_File>\n" + body);
     }
-    /// The error that loading `path` throws, if it throws one.
-    std::optional<SolutionLoadError> loadError(const QString &path)
+    /// The error of type `Error` that `call` throws, if it throws one.
+    template <typename Error, typename Call> static std::optional<Error> thrown(Call call)
     {
         try {
-            system.loadSolution(path, nullptr);
-        } catch (const SolutionLoadError &error) {
+            call();
+        } catch (const Error &error) {
             return error;
         }
         return std::nullopt;
+    }
+    /// The error that loading `path` throws, if it throws one.
+    std::optional<SolutionLoadError> loadError(const QString &path)
+    {
+        return thrown<SolutionLoadError>([&] { system.loadSolution(path, nullptr); });
     }
 
     ARMProjectSystem system;
