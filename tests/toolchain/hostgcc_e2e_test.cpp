@@ -9,8 +9,6 @@
 
 namespace {
 
-const char *const hostTools[] = {"gcc", "g++", "ar", "ranlib", "objcopy"};
-
 /// An application of two C files and a header over a library project with its own header,
 /// built with the host's compiler from /usr/bin. The driver writes no map file of its own, so
 /// the link asks for the one that the up-to-date test looks for.
@@ -68,10 +66,9 @@ protected:
 
 TEST_F(HostGcc, BuildsRunsAndRebuildsOnlyWhatAHeaderChangeReaches)
 {
-    for (const char *tool : hostTools) {
+    for (const char *tool : {"gcc", "g++", "ar", "ranlib", "objcopy"})
         if (!QFileInfo(QStringLiteral("/usr/bin/") + tool).isExecutable())
             GTEST_SKIP() << "no host tool /usr/bin/" << tool;
-    }
 
     EXPECT_EQ(build(), QStringList({"Compiling square.c", "Archiving mathlib.a", "Compiling main.c",
                                     "Compiling greet.c", "Linking App.elf"}));
@@ -95,7 +92,6 @@ TEST_F(HostGcc, BuildsRunsAndRebuildsOnlyWhatAHeaderChangeReaches)
     scratch.write("app/greet.h", "#define GREETING \"hi\"\n");
     ASSERT_TRUE(setTime("app/greet.h", past.addSecs(50)));
     EXPECT_EQ(build(), QStringList({"Compiling greet.c", "Linking App.elf"}));
-    EXPECT_EQ(builder.commands.size(), 3);
     EXPECT_TRUE(
         builder.messages.contains(scratch.file("app/greet.h") + " is newer than Debug/greet.o."))
         << builder.messages.join('\n').toStdString();

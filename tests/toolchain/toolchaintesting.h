@@ -2,12 +2,17 @@
 
 #include "engine/buildsystem.h"
 #include "engine/diskinterface.h"
+#include "macros/macrosystem.h"
+#include "project/armprojectsystem.h"
 #include "project/gccprojectsystem.h"
 #include "project/projectelement.h"
+#include "settings/armtarnbenchenvironmentsettings.h"
+#include "settings/environmentpropertyvalue.h"
 #include "settings/environmentsettings.h"
 #include "settings/isolatedsettingsstore.h"
 #include "support/recordingbuilder.h"
 #include "support/testsupport.h"
+#include "toolchain/armbuildsystem.h"
 #include "toolchain/gccbuildsystem.h"
 
 #include <gtest/gtest.h>
@@ -36,8 +41,8 @@ const QByteArray appAndLib = R"(<project Name="App">
 </project>
 )";
 
-/// A settings store of its own, with a settings object, a project system and a build system
-/// of the given types installed as the process-wide ones, and a recording builder.
+/// A settings object, project system and build system installed as the process-wide ones
+/// over a settings store of their own; a recording builder.
 template <typename SettingsObject, typename Projects, typename System>
 class SystemsTest : public ::testing::Test
 {
@@ -60,9 +65,8 @@ protected:
         environment = nullptr;
     }
 
-    /// Writes and loads a solution of `body`; "App" becomes `app`, "Lib" `lib`, the source
-    /// files of "App" `files`, the first three of them `mainC`, `libCpp` and `startS` as in
-    /// `appAndLib`. Returns the root.
+    /// Loads a solution of `body`: "App" is `app`, its source files `files` (in `appAndLib`
+    /// `mainC`, `libCpp`, `startS` and the rest), "Lib" `lib`. Returns the root.
     ProjectElement *load(const QByteArray &body)
     {
         ProjectElement *root =
@@ -135,3 +139,17 @@ protected:
 
 /// The GCC layer alone, with the project system of plain GNU tools.
 using GCCTest = SystemsTest<EnvironmentSettings, GCCProjectSystem, GCCBuildSystem>;
+
+/// The program's own ARM systems, `$(BenchDir)` at "/bench" and the tools under "/tc",
+/// with `appAndLib` loaded.
+class ARMTest
+    : public SystemsTest<ARMTarnbenchEnvironmentSettings, ARMProjectSystem, ARMBuildSystem>
+{
+protected:
+    ARMTest()
+    {
+        macroSystem.setGlobalMacro(QStringLiteral("BenchDir"), QStringLiteral("/bench"));
+        settings.toolChainRootDirectory()->setPropertyValue(QStringLiteral("/tc"));
+        load(appAndLib);
+    }
+};
