@@ -1,6 +1,7 @@
+#include "foundation/qtx.h"
 #include "frontend/tidemakebuilder.h"
-#include "toolchain/armbuildsystem.h"
 #include "support/testsupport.h"
+#include "toolchain/armbuildsystem.h"
 
 #include <gtest/gtest.h>
 
@@ -8,52 +9,34 @@
 #include <QFileInfo>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
-// Collects what the builder prints through a temporary file.
-class Printed
+// What the builder prints, kept in memory.
+struct Printed
 {
-public:
-    Printed() : file(std::tmpfile()) {}
-    ~Printed() { std::fclose(file); }
-
+    ~Printed()
+    {
+        std::fclose(file);
+        std::free(buffer);
+    }
     QString text()
     {
         std::fflush(file);
-        std::rewind(file);
-        QByteArray bytes;
-        char buffer[256];
-        size_t count;
-        while ((count = std::fread(buffer, 1, sizeof buffer, file)) > 0)
-            bytes.append(buffer, qsizetype(count));
-        return QString::fromLatin1(bytes);
+        return QString::fromLatin1(buffer, qsizetype(size));
     }
 
-    FILE *file;
+    char *buffer = nullptr;
+    size_t size = 0;
+    FILE *file = open_memstream(&buffer, &size);
 };
 
-// The build system with one built-in command, "builtin", that fails when given "bad", and one
-// alias, "alias", that stands for "touch"; it is the process's build system while it lives.
-class FakeBuildSystem : public ARMBuildSystem
+void run(TidemakeBuilder &builder, const QStringList &command)
 {
-public:
-    FakeBuildSystem() : ARMBuildSystem(QStringList()) { buildSystem = this; }
-
-    bool builtinCommand(const QString &directory, QStringList &command, QString &message) override
-    {
-        if (command.value(0) == "alias")
-            command[0] = "touch";
-        if (command.value(0) != "builtin")
-            return false;
-        builtins << directory + ":" + command.join(' ');
-        if (command.contains("bad"))
-            message = "builtin failed";
-        return true;
-    }
-
-    QStringList builtins;
-};
+    builder.setCommand(command);
+    builder.doit();
+}
 
 } // namespace
 
@@ -71,85 +54,43 @@ TEST(TidemakeBuilder, PrintsLinesAtTheDepthOfGroups)
     builder.endGroup(nullptr);
     builder.error("below zero");
     EXPECT_EQ(out.text(), "top\n  outer\n    inner\n    abcd\n  done\nbelow zero\n");
-    EXPECT_EQ(builder.indent, -2);
 }
 
-TEST(TidemakeBuilder, ShowPrintsAndRunsNothing)
+TEST(TidemakeBuilder, RunsProgramsAndBuiltInsAndRecordsFailures)
 {
     ScratchDir dir;
-    FakeBuildSystem host;
-    Printed out;
-    TidemakeBuilder builder(true, true, out.file);
-    builder.setCommand({"touch", dir.file("made")});
-    builder.doit();
-    builder.setCommand({"builtin", "two words"});
-    builder.doit();
-    EXPECT_EQ(out.text(), "touch " + dir.file("made") + "\nbuiltin two words\n");
-    EXPECT_FALSE(QFile::exists(dir.file("made")));
-    EXPECT_TRUE(host.builtins.isEmpty());
-    EXPECT_FALSE(builder.failed());
-    EXPECT_FALSE(host.errorOccurred);
-}
-
-TEST(TidemakeBuilder, RunsCommandsAndRecordsFailures)
-{
-    ScratchDir dir;
-    Printed out;
-    TidemakeBuilder builder(false, false, out.file);
-    builder.setDirectory(dir.path());
-    builder.setCommand({"touch", "made"});
-    builder.doit();
-    EXPECT_TRUE(QFile::exists(dir.file("made")));
-    EXPECT_FALSE(builder.failed());
-
-    builder.init();
-    EXPECT_TRUE(builder.directory.isNull());
-    EXPECT_TRUE(builder.command.isEmpty());
-    builder.setCommand({"sh", "-c", "exit 1"});
-    builder.doit();
-    EXPECT_EQ(out.text(), "");
-    EXPECT_TRUE(builder.failed());
-
-    TidemakeBuilder other(false, false, out.file);
-    other.setCommand({"no-such-program-here"});
-    other.doit();
-    EXPECT_EQ(out.text(), "can't execute command \"no-such-program-here\"\n");
-    EXPECT_TRUE(other.failed());
-}
-
-TEST(TidemakeBuilder, OffersCommandsToTheBuildSystemFirst)
-{
-    FakeBuildSystem host;
+    ARMBuildSystem host{QStringList()};
+    buildSystem = &host;
     Printed out;
     TidemakeBuilder builder(true, false, out.file);
-    ScratchDir dir;
-    builder.setOutputFiles({dir.file("a/x.o"), dir.file("b/y.o")});
+    builder.setOutputFiles({dir.file("a/x.o")});
     builder.setTemporaryFiles({dir.file("c/t.s")});
-    for (const char *made : {"a", "b", "c"})
-        EXPECT_TRUE(QFileInfo(dir.file(made)).isDir()) << made;
-
-    builder.setDirectory("/d");
-    builder.setCommand({"builtin", "ok"});
-    builder.doit();
-    EXPECT_FALSE(host.errorOccurred);
-    builder.setCommand({"builtin", "bad"});
-    builder.doit();
-    EXPECT_EQ(host.builtins, QStringList({"/d:builtin ok", "/d:builtin bad"}));
-    EXPECT_EQ(out.text(), "builtin ok\nbuiltin bad\nbuiltin failed\n");
-    EXPECT_TRUE(host.errorOccurred);
-    EXPECT_TRUE(builder.failed());
-
-    // A rewritten command is the one that runs.
+    EXPECT_TRUE(QFileInfo(dir.file("a")).isDir() && QFileInfo(dir.file("c")).isDir());
+    dir.write("in.txt", "x");
     builder.setDirectory(dir.path());
-    builder.setCommand({"alias", "made"});
-    builder.doit();
+    run(builder, {"cp", "in.txt", "out.txt"});
+    run(builder, {"touch", "made"});
+    EXPECT_EQ(dir.read("out.txt"), "x");
     EXPECT_TRUE(QFile::exists(dir.file("made")));
-    EXPECT_TRUE(host.errorOccurred);
-}
+    EXPECT_FALSE(builder.failed() || host.errorOccurred);
+    // A tool that fails has said why; a built-in's failure and a program that can't be started
+    // are told. The command as a built-in rewrote it is the one that runs.
+    run(builder, {"false"});
+    EXPECT_TRUE(builder.failed() && host.errorOccurred);
+    run(builder, {"rm", "none.txt"});
+    run(builder, {"xmlcp", "a"});
+    EXPECT_EQ(out.text(), "cp in.txt out.txt\ntouch made\nfalse\nrm none.txt\n"
+                          "rm failed: can't remove \"" +
+                              dir.file("none.txt") +
+                              "\" writable\nxmlcp a\ncan't execute command \"" +
+                              QTx::rootDirectory() + "/bin/xmlcp\"\n");
 
-TEST(Builder, CommandLineQuotesWordsWithSpaces)
-{
-    EXPECT_EQ(Builder::commandLine({"/bin/my tool", "-o", "a b.o", "x\"y"}),
-              "\"/bin/my tool\" -o \"a b.o\" x\"y");
-    EXPECT_EQ(Builder::commandLine({"cc"}), "cc");
+    // Shown, nothing runs, not even a built-in.
+    Printed shown;
+    TidemakeBuilder show(true, true, shown.file);
+    run(show, {"rm", dir.file("in.txt")});
+    run(show, {"touch", dir.file("shown")});
+    EXPECT_EQ(shown.text(), "rm " + dir.file("in.txt") + "\ntouch " + dir.file("shown") + "\n");
+    EXPECT_TRUE(QFile::exists(dir.file("in.txt")));
+    EXPECT_FALSE(QFile::exists(dir.file("shown")) || show.failed());
 }
