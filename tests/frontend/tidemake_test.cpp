@@ -73,64 +73,35 @@ TEST_F(TidemakeRun, PrintsUsageWithoutArgumentsOrOnHelp)
     EXPECT_EQ(help.err, reported({"unrecognised option -x"}) + usage);
 }
 
-TEST_F(TidemakeRun, ReportsEveryParseErrorAndExitsWithOne)
+TEST_F(TidemakeRun, ChecksTheCommandLine)
 {
-    const RunResult result = run({"-x", "a.hdp", "-DNAME", "@missing", "-config", "Debug",
-                                  "-project", "p", "-solution", "s", "-config"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.out, "");
-    // Parse errors stop the run before the checks of the options.
-    EXPECT_EQ(result.err, reported({"unrecognised option -x", "unrecognised option -DNAME",
-                                    "can't open indirect file missing: No such file or directory",
-                                    "expected argument for option -config"}));
-}
-
-TEST_F(TidemakeRun, RefusesIncompleteCommandLines)
-{
-    const QList<QPair<QStringList, QString>> cases = {
-        {{"-solution", "", "-project", "p"}, "-solution and -project are exclusive."},
-        {{"-solution", "s", "-project", "", "a.hdp", "-config", "D"},
-         "-solution and -project are exclusive."},
-        {{"-config", "Debug"}, ".hdp file must be specified."},
-        {{"a.hdp"}, "-config must be specified."},
-        {{"a.hdp", "-config", ""}, "-config must be specified."},
-    };
-    for (const auto &c : cases) {
-        const RunResult result = run(c.first);
-        EXPECT_EQ(result.exitCode, 1) << c.first.join(' ').toStdString();
-        EXPECT_EQ(result.err, reported({c.second})) << c.first.join(' ').toStdString();
-    }
-}
-
-TEST_F(TidemakeRun, AcceptsAValidCommandLine)
-{
-    work.write("args", "# options\n-config Debug \"b.hdp\"\n-project \"\"\n");
-    const QList<QPair<QStringList, QString>> cases = {
-        {{"a.hdp", "b.hdp", "-config", "Debug"}, "b.hdp"},
-        {{"a.hdp", "@args"}, "b.hdp"},
-        {{"-batch", "-clean", "-echo", "-show", "-rebuild", "-verbose", "-BenchDir", "/x",
-          "-config", "Release", "a.hdp"},
-         "a.hdp"},
-    };
-    // The options pass their checks and the last file named is the one loaded; none exists.
-    for (const auto &c : cases) {
-        const RunResult result = run(c.first);
-        EXPECT_EQ(result.exitCode, 0) << c.first.join(' ').toStdString();
-        EXPECT_FALSE(result.err.contains(tidemakeExecutable())) << result.err.toStdString();
-        EXPECT_TRUE(result.err.contains(c.second)) << result.err.toStdString();
-    }
-}
-
-TEST_F(TidemakeRun, ReportsBadIndirectFiles)
-{
-    work.write("self", "@self\n");
     work.write("open", "a.hdp\n-config \"Debug\n");
-    const RunResult self = run({"@self", "a.hdp", "-config", "Debug"});
-    EXPECT_EQ(self.exitCode, 1);
-    EXPECT_EQ(self.err, reported({"too many indirect files"}));
-    const RunResult open = run({"@open"});
-    EXPECT_EQ(open.exitCode, 1);
-    EXPECT_EQ(open.err, reported({"unterminated string in indirect file open(2)"}));
+    work.write("args", "# options\n-config Debug \"b.hdp\"\n-project \"\"\n");
+    // Words parted by spaces, '' an empty one; the messages of a refusal parted by "|". Every
+    // parse error is told, and they stop the run before the checks of the options. Accepted,
+    // the last file named is the one loaded; none exists.
+    const QList<QPair<QString, QString>> cases = {
+        {"-x a.hdp -DNAME @missing -config Debug -project p -solution s -config",
+         "unrecognised option -x|unrecognised option -DNAME|can't open indirect file missing: "
+         "No such file or directory|expected argument for option -config"},
+        {"@open", "unterminated string in indirect file open(2)"},
+        {"-solution '' -project p", "-solution and -project are exclusive."},
+        {"-solution s -project '' a.hdp -config D", "-solution and -project are exclusive."},
+        {"-config Debug", ".hdp file must be specified."},
+        {"a.hdp", "-config must be specified."},
+        {"a.hdp -config ''", "-config must be specified."},
+        {"a.hdp @args", "load error: b.hdp does not exist"},
+        {"-batch -clean -echo -show -rebuild -verbose -BenchDir /x -config Release a.hdp",
+         "load error: a.hdp does not exist"},
+    };
+    for (const auto &[line, message] : cases) {
+        const QStringList arguments = line.split(' ').replaceInStrings("''", "");
+        const bool accepted = message.startsWith("load error: ");
+        const RunResult result = run(arguments);
+        EXPECT_EQ(result.exitCode, accepted ? 0 : 1) << line.toStdString();
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, accepted ? message + "\n" : reported(message.split('|')));
+    }
 }
 
 TEST_F(TidemakeRun, DefinesGlobalMacrosForGood)
