@@ -112,9 +112,11 @@ bool StandardBuildSystem::buildElement(ProjectElement *element, const QString &c
         return archiveStep(element, configuration, builder, type, force);
     case ActionExternal:
         return externalStep(element, configuration, builder, type, action, force);
-    case 9:
     case ActionStage:
+        return stageStep(element, configuration, builder, type, force);
     case ActionCombine:
+        return combineStep(element, configuration, builder, type, force);
+    case 9:
         return false;
     default:
         // Folders and the like pass the news of rebuilt children on.

@@ -222,6 +222,12 @@ private:
                      int type, bool force);
     bool externalStep(ProjectElement *project, const QString &configuration, Builder *builder,
                       int type, BuildAction action, bool force);
+    /// Copies one file of a "Staging" project and keeps its package member current.
+    bool stageStep(ProjectElement *file, const QString &configuration, Builder *builder, int type,
+                   bool force);
+    /// Runs the command of a "Combining" project once over all its files.
+    bool combineStep(ProjectElement *project, const QString &configuration, Builder *builder,
+                     int type, bool force);
     /// Runs the link's post-build command, if it has one.
     void postBuildStep(ProjectElement *project, const QString &configuration, Builder *builder);
     /// Runs the whole `command` text as one command in a group headed by `heading`.
