@@ -1,6 +1,7 @@
 // tidefile: looks into and converts the files a build makes or a target is loaded from.
 
 #include "tidefile/loadverb.h"
+#include "tidefile/packageverb.h"
 #include "tidefile/verb.h"
 
 #include <QString>
@@ -12,6 +13,7 @@ namespace {
 
 const Verb verbs[] = {
     {"load", loadUsage, runLoad},
+    {"package", packageUsage, runPackage},
 };
 
 void printUsage()

@@ -8,7 +8,9 @@ namespace {
 
 const QByteArray usage =
     "usage: tidefile load [-type TYPE] [-address ADDRESS] FILE\n"
-    "       tidefile load [-type TYPE] [-address ADDRESS] [-fill BYTE] -o OUT FILE\n";
+    "       tidefile load [-type TYPE] [-address ADDRESS] [-fill BYTE] -o OUT FILE\n"
+    "       tidefile package FILE\n"
+    "       tidefile package -x DIR FILE\n";
 
 // Bytes 01 02 at 0x100, 03 at 0x104, start at 0x100.
 const QByteArray twoRuns = "S10501000102F6\nS104010403F3\nS9030100FB\n";
