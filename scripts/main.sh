@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The main job: install what is missing, build tidemake and its installation tree, install
 # both to a prefix, build the example firmware with the installed tidemake in every
-# configuration, and run each image under QEMU, whose semihosting shows its output here.
+# configuration, and run each image under QEMU, whose semihosting shows its output here;
+# last, list the package that the example's staging project keeps.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -36,3 +37,7 @@ for board in versatilepb lm3s6965evb; do
       -kernel "$image" </dev/null 2>&1 | sed '/^Timer with period zero/d'
   done
 done
+
+# The staging project kept one package of every configuration's images and memory maps.
+echo "Members of dist/firmware.hdq"
+"$prefix/bin/tidefile" package dist/firmware.hdq

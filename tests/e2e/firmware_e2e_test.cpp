@@ -110,8 +110,24 @@ const QString closingLines = QStringLiteral("crc32 cbf43926\n"
                                             "square has area 16\n"
                                             "all checks passed\n");
 
+/// The lines of the staging and combining projects when `images` (".elf", ".bin" and the
+/// memory map's ".xml") are copied into `work`'s "dist" tree and its package in
+/// `configuration`.
+QString distLines(const QString &configuration, const QString &work, const QStringList &images)
+{
+    const QString directory = QString(configuration).replace(' ', '/');
+    QString lines = "  Building \"firmware\" in configuration \"" + configuration + "\"\n";
+    for (const QString &image : images) {
+        const QString name = image == "xml" ? "memory_map.xml" : "app." + image;
+        lines += "    Copying " + name + "\n    adding " + work + "/dist/" + directory + "/" +
+                 name + " to " + work + "/dist/firmware.hdq(" + directory + "/" + name + ").\n";
+    }
+    lines += "  Building \"checksums\" in configuration \"" + configuration + "\"\n";
+    return images.isEmpty() ? lines : lines + "    Combining checksums\n";
+}
+
 /// The lines of a first build of the whole solution in `configuration`.
-QString firstBuild(const QString &configuration, const QString &board)
+QString firstBuild(const QString &configuration, const QString &board, const QString &work)
 {
     return "  Building \"mathlib\" in configuration \"" + configuration +
            "\"\n"
@@ -127,7 +143,8 @@ QString firstBuild(const QString &configuration, const QString &board)
            board +
            " startup.s\n"
            "  Generating linker script\n"
-           "    Linking app.elf\n";
+           "    Linking app.elf\n" +
+           distLines(configuration, work, {"elf", "bin", "xml"});
 }
 
 } // namespace
@@ -136,16 +153,27 @@ TEST_F(Firmware, BuildsAndRunsOnBothBoards)
 {
     // ARM code for the ARM926 board, with the floating point printf and the C library's
     // streams on the target I/O library.
-    EXPECT_EQ(build("versatilepb Debug"), firstBuild("versatilepb Debug", "versatilepb"));
+    EXPECT_EQ(build("versatilepb Debug"),
+              firstBuild("versatilepb Debug", "versatilepb", work.path()));
     EXPECT_EQ(runFirmware("versatilepb Debug", versatilepb),
               "Hello from versatilepb\n" + resultLines + "mean as a double 3.875\n" + closingLines);
 
     // Thumb code for the Cortex-M3 board, optimised, with unused sections removed, the
     // integer printf and the C library's streams on the semihosting library.
-    EXPECT_EQ(build("lm3s6965evb Release"), firstBuild("lm3s6965evb Release", "lm3s6965evb"));
+    EXPECT_EQ(build("lm3s6965evb Release"),
+              firstBuild("lm3s6965evb Release", "lm3s6965evb", work.path()));
     EXPECT_EQ(runFirmware("lm3s6965evb Release", {"-M", "lm3s6965evb"}),
               "Hello from lm3s6965evb\n" + resultLines + closingLines);
     EXPECT_GT(QFileInfo(work.file("app/lm3s6965evb/Release/app.bin")).size(), 1000);
+
+    // The package holds what both builds staged, and the checksums match the copies.
+    const RunResult listing = runTidefile({"package", "dist/firmware.hdq"}, work.path());
+    EXPECT_EQ(listing.exitCode, 0);
+    EXPECT_EQ(listing.out.count('\n'), 6) << listing.out.toStdString();
+    EXPECT_TRUE(listing.out.startsWith("versatilepb/Debug/app.elf\t")) << listing.out.toStdString();
+    EXPECT_EQ(
+        runProgram("sha256sum", {"-c", "lm3s6965evb/Release/SHA256SUMS"}, work.file("dist")).out,
+        "lm3s6965evb/Release/app.elf: OK\nlm3s6965evb/Release/app.bin: OK\n");
 }
 
 TEST_F(Firmware, RebuildsWhatAHeaderReachesAndCleansUp)
@@ -154,7 +182,10 @@ TEST_F(Firmware, RebuildsWhatAHeaderReachesAndCleansUp)
     build(configuration);
     const QString nothing = "  Building \"mathlib\" in configuration \"lm3s6965evb Debug\"\n"
                             "  Building \"app\" in configuration \"lm3s6965evb Debug\"\n";
-    EXPECT_EQ(build(configuration), nothing);
+    const QString nothingStaged = distLines(configuration, work.path(), {});
+    // A relinked image is staged again, and its package member and checksums follow.
+    const QString restaged = distLines(configuration, work.path(), {"elf", "bin"});
+    EXPECT_EQ(build(configuration), nothing + nothingStaged);
 
     // The compiler's dependency files tell which objects include a header.
     touch("mathlib/statistics.h");
@@ -164,20 +195,27 @@ TEST_F(Firmware, RebuildsWhatAHeaderReachesAndCleansUp)
               "    Archiving mathlib.a\n"
               "  Building \"app\" in configuration \"lm3s6965evb Debug\"\n"
               "    Compiling main.c\n"
-              "    Linking app.elf\n");
+              "    Linking app.elf\n" +
+                  restaged);
     touch("app/shapes.h");
-    EXPECT_EQ(build(configuration), nothing + "    Compiling main.c\n"
-                                              "    Compiling shapes.cpp\n"
-                                              "    Linking app.elf\n");
-    EXPECT_EQ(build(configuration), nothing);
+    EXPECT_EQ(build(configuration), nothing +
+                                        "    Compiling main.c\n"
+                                        "    Compiling shapes.cpp\n"
+                                        "    Linking app.elf\n" +
+                                        restaged);
+    EXPECT_EQ(build(configuration), nothing + nothingStaged);
     EXPECT_EQ(runFirmware(configuration, {"-M", "lm3s6965evb"}),
               "Hello from lm3s6965evb\n" + resultLines + closingLines);
 
-    // Cleaning removes the objects, libraries and executables, and runs no tool.
-    const QStringList made = {".o", ".a", ".elf"};
-    EXPECT_EQ(filesEndingIn(made).size(), 7);
+    // Cleaning removes the objects, libraries, executables and staged copies, runs no tool
+    // and leaves the package as it is.
+    const QStringList made = {".o", ".a", ".elf", "SHA256SUMS"};
+    EXPECT_EQ(filesEndingIn(made).size(), 9);
     EXPECT_EQ(build(configuration, {"-clean"}),
               "  Cleaning \"mathlib\" in configuration \"lm3s6965evb Debug\"\n"
-              "  Cleaning \"app\" in configuration \"lm3s6965evb Debug\"\n");
+              "  Cleaning \"app\" in configuration \"lm3s6965evb Debug\"\n"
+              "  Cleaning \"firmware\" in configuration \"lm3s6965evb Debug\"\n"
+              "  Cleaning \"checksums\" in configuration \"lm3s6965evb Debug\"\n");
     EXPECT_EQ(filesEndingIn(made), QStringList());
+    EXPECT_EQ(filesEndingIn({".hdq"}), QStringList{"dist/firmware.hdq"});
 }
