@@ -9,7 +9,8 @@ namespace {
 
 volatile sig_atomic_t firstSignal = 0;
 volatile sig_atomic_t signalCount = 0;
-volatile sig_atomic_t runningTool = 0;
+// The tools an interrupt is passed on to; 0 marks a free place.
+volatile sig_atomic_t runningTools[Interrupts::maxRunningTools] = {};
 
 sigset_t interruptSignals()
 {
@@ -31,9 +32,11 @@ extern "C" void onInterrupt(int signal)
         buildSystem->stopRequested = true;
     // A terminal's Ctrl-C reaches the tool by itself; a signal sent to this program alone
     // does not, so it is passed on. A tool that outlives the first request is killed.
-    const pid_t tool = runningTool;
-    if (tool > 0)
-        kill(tool, signalCount > 1 ? SIGKILL : SIGTERM);
+    for (int i = 0; i < Interrupts::maxRunningTools; ++i) {
+        const pid_t tool = runningTools[i];
+        if (tool > 0)
+            kill(tool, signalCount > 1 ? SIGKILL : SIGTERM);
+    }
     errno = savedErrno;
 }
 
@@ -69,16 +72,23 @@ void Interrupts::release(const sigset_t &previous)
     sigprocmask(SIG_SETMASK, &previous, nullptr);
 }
 
-void Interrupts::resetInChild(const sigset_t &previous)
+bool Interrupts::addRunningTool(pid_t pid)
 {
-    signal(SIGINT, SIG_DFL);
-    signal(SIGTERM, SIG_DFL);
-    release(previous);
+    for (int i = 0; i < maxRunningTools; ++i) {
+        if (runningTools[i] == 0) {
+            runningTools[i] = pid;
+            if (firstSignal != 0)
+                kill(pid, SIGTERM);
+            return true;
+        }
+    }
+    return false;
 }
 
-void Interrupts::setRunningTool(pid_t pid)
+void Interrupts::removeRunningTool(pid_t pid)
 {
-    runningTool = pid;
-    if (pid > 0 && firstSignal != 0)
-        kill(pid, SIGTERM);
+    for (int i = 0; i < maxRunningTools; ++i) {
+        if (runningTools[i] == pid)
+            runningTools[i] = 0;
+    }
 }

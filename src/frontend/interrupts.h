@@ -20,12 +20,15 @@ sigset_t hold();
 /// Lets waiting signals in again under the mask `previous` that `hold` returned.
 void release(const sigset_t &previous);
 
-/// In a freshly forked child, before it starts a program: the default actions and the mask
-/// `previous` again, so that a signal ends the child instead of reaching the parent's handler.
-void resetInChild(const sigset_t &previous);
+/// The number of tools that can be named as running at once.
+const int maxRunningTools = 256;
 
-/// Names the tool the program now waits for, 0 for none. Name one with signals held; a tool
-/// named after an interrupt is asked to end at once.
-void setRunningTool(pid_t pid);
+/// Names one more tool that an interrupt is passed on to. Name it with signals held; a tool
+/// named after an interrupt is asked to end at once. False when as many are named already.
+bool addRunningTool(pid_t pid);
+
+/// Forgets the tool `pid`; do so before it is reaped, so that its number, once free for
+/// another process, is never signalled.
+void removeRunningTool(pid_t pid);
 
 } // namespace Interrupts

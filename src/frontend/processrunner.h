@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <sys/types.h>
+
 #include <list>
 #include <memory>
 #include <utility>
@@ -17,6 +19,17 @@ namespace QTx {
 /// While it is waited for, the program is the tool that an interrupt is passed on to.
 int spawnProcess(const QStringList &arguments, bool wait, const QString &directory, bool,
                  QStringList *output, QStringList *errors);
+
+/// Starts `arguments` as spawnProcess does, without waiting. With `capture`, the program's
+/// stdout and stderr go into two new pipes whose read ends are left in capture[0] and capture[1]
+/// for the caller to drain and close. With `interruptible`, an interrupt is passed on to it
+/// until finishProcess. Returns its process id, or -1 when it could not be started.
+pid_t startProcess(const QStringList &arguments, const QString &directory, int *capture,
+                   bool interruptible);
+
+/// Waits for the end of `pid`, started by startProcess, and reaps it. Returns the exit status
+/// as a signed 8-bit value, or -1 if it did not end by exit.
+int finishProcess(pid_t pid);
 
 } // namespace QTx
 
