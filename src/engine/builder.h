@@ -38,6 +38,9 @@ public:
     virtual void message(const QString &text);
     /// Called while the build waits, so that an interactive host can stay responsive.
     virtual void idle();
+    /// Returns once every command handed over so far has finished, its failure recorded as
+    /// doit's is. Only a builder that runs commands after doit returns has anything to do.
+    virtual void wait() {}
     virtual ~Builder();
 
     /// `command` as one display string, with the program as a native path and words

@@ -104,6 +104,18 @@ void StandardBuildSystem::recordCommand(const QString &output, const QStringList
         m_record.set(output, signature);
 }
 
+void StandardBuildSystem::forgetOutputs(const QStringList &absoluteOutputs)
+{
+    // An output is recorded by its name as its setting gives it, which is mostly relative to
+    // the project directory that the absolute name was made from.
+    const QString projectPrefix = buildDirectory + QLatin1Char('/');
+    for (const QString &output : absoluteOutputs) {
+        m_record.remove(output);
+        if (output.startsWith(projectPrefix))
+            m_record.remove(output.mid(projectPrefix.size()));
+    }
+}
+
 void StandardBuildSystem::openRecord(ProjectElement *element, const QString &configuration,
                                      Builder *builder, bool quiet)
 {

@@ -37,6 +37,31 @@ QString upToDateLine(const QString &output)
     return QLatin1Char('\'') + output + QStringLiteral("' is up to date");
 }
 
+/// Whether the step of `action` on `element` may read what commands of earlier steps make.
+bool readsEarlierOutputs(const ProjectElement *element, BuildAction action)
+{
+    switch (int(action)) {
+    case ActionLink:
+    case ActionArchive:
+    case ActionStage:
+    case ActionCombine:
+        return true;
+    case ActionExternal:
+        return element->type() == ProjectElement::Project;
+    default:
+        return false;
+    }
+}
+
+/// Waits for every command handed to `builder` so far; false when one of them failed or the
+/// build is to stop.
+bool commandsFinished(Builder *builder, const BuildSystem &system)
+{
+    if (builder)
+        builder->wait();
+    return !system.errorOccurred && !system.stopRequested;
+}
+
 } // namespace
 
 bool StandardBuildSystem::platformBuild(ProjectElement *element, const QString &configuration,
@@ -50,6 +75,9 @@ bool StandardBuildSystem::platformBuild(ProjectElement *element, const QString &
     const bool quiet = type & BUILD_QUIET;
     openRecord(element, configuration, builder, quiet);
     const bool worked = platformBuild1(element, configuration, builder, type);
+    // What the record says of the commands' outputs holds only once they have all ended.
+    if (builder)
+        builder->wait();
     saveRecord(builder, quiet);
     return worked;
 }
@@ -105,6 +133,8 @@ bool StandardBuildSystem::buildElement(ProjectElement *element, const QString &c
 {
     if (isCompile(action))
         return compileStep(element, configuration, builder, type, action, force);
+    if (readsEarlierOutputs(element, action) && !commandsFinished(builder, *this))
+        return false;
     switch (int(action)) {
     case ActionLink:
         return linkStep(element, configuration, builder, type, force);
@@ -290,6 +320,10 @@ void StandardBuildSystem::runGroupCommand(ProjectElement *project, const QString
                                           const QStringList &command, Builder *builder,
                                           const QStringList *outputFiles)
 {
+    // Such a command comes after everything before it: a post-build command after its link,
+    // a build command after its clean command.
+    if (!commandsFinished(builder, *this))
+        return;
     builder->beginGroup(project, heading, false);
     builder->setCommand(command);
     if (outputFiles)

@@ -127,6 +127,9 @@ public:
     /// Records `signature` for `output` after its command ran, or forgets `output` when the
     /// command failed or was interrupted.
     void recordCommand(const QString &output, const QStringList &signature);
+    /// Forgets what the record of the project being built says of `absoluteOutputs`: a builder
+    /// that runs commands after handing them over learnt late that they failed or never ran.
+    void forgetOutputs(const QStringList &absoluteOutputs);
     /// The record of the project being built.
     BuildRecord &currentRecord() { return m_record; }
 

@@ -41,7 +41,7 @@ void ArgParse::parse(int argc, char **argv)
         if (exact != options.end()) {
             key = exact->first;
             option = &exact->second;
-            if (option->kind == 1) {
+            if (option->kind == 1 || option->kind == 3) {
                 if (i + 1 >= argc) {
                     error() << "expected argument for option " << argv[argc - 1] << std::endl;
                     return;
@@ -67,11 +67,11 @@ void ArgParse::parse(int argc, char **argv)
     }
 }
 
-// The first option of kind 2, in table order, whose word starts `word`.
+// The first option of kind 2 or 3, in table order, whose word starts `word`.
 const Option *ArgParse::findJoinedOption(const char *word, const char **key) const
 {
     for (const auto &entry : options) {
-        if (entry.second.kind == 2 &&
+        if ((entry.second.kind == 2 || entry.second.kind == 3) &&
             std::strncmp(word, entry.first, std::strlen(entry.first)) == 0) {
             *key = entry.first;
             return &entry.second;

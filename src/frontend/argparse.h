@@ -16,8 +16,10 @@ typedef void (ArgParse::*OptionHandler)(const char *option, const char *value);
 /// One entry of the option table.
 struct Option
 {
-    int kind = 0;            ///< 0: flag; 1: value is the next word; 2: value joined to the word
-    bool hasHandler = false; ///< call `handler` instead of setting `flag` and `result`
+    /// 0: flag; 1: value is the next word; 2: value joined to the word; 3: value joined to the
+    /// word, or the next word when nothing is joined
+    int kind = 0;
+    bool hasHandler = false;         ///< call `handler` instead of setting `flag` and `result`
     OptionHandler handler = nullptr; ///< called with the option word and its value
     const char **result = nullptr;   ///< receives the value, if not null
     bool *flag = nullptr;            ///< set to true, if not null

@@ -2,6 +2,7 @@
 
 #include "engine/buildsystem.h"
 #include "frontend/interrupts.h"
+#include "frontend/jobqueue.h"
 #include "frontend/tidemakeargparse.h"
 #include "frontend/tidemakebuilder.h"
 #include "macros/macrosystem.h"
@@ -9,6 +10,7 @@
 #include "project/projectelement.h"
 #include "toolchain/armbuildsystem.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -71,7 +73,13 @@ bool runBuildRequest(TidemakeArgParse &options)
     // the solution loaded must not be forgotten there.
     if (Interrupts::received())
         return true;
-    TidemakeBuilder builder(options.echo, options.show);
+    const int jobs = std::min(options.jobs, JobQueue::maxSlots());
+    TidemakeBuilder builder(options.echo, options.show, stdout, jobs);
+    if (jobs < options.jobs && options.verbose)
+        builder.message(QStringLiteral("-j %1 is more than this machine can use: up to %2 "
+                                       "commands run at once")
+                            .arg(options.jobs)
+                            .arg(jobs));
     buildSystem->build(element, options.config, &builder, type, true, options.batch);
     return !buildSystem->errorOccurred && !builder.failed();
 }

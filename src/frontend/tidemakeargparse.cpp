@@ -5,6 +5,8 @@
 
 #include <QFile>
 
+#include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
@@ -26,6 +28,7 @@ const char *const usageText[] = {
     "  -solution 'name'  build/batch build 'name' solution\n",
     "  -verbose          show build information\n",
     "  -exitstatus       exit with status 2 if the build fails\n",
+    "  -j N              run up to N commands at once\n",
     nullptr,
 };
 
@@ -57,6 +60,7 @@ TidemakeArgParse::TidemakeArgParse(HReporter *reporter) : ArgParse(reporter)
     addHandler("-BenchDir", 1, handler(&TidemakeArgParse::onBenchDir));
     addFlag("-verbose", &verbose);
     addFlag("-exitstatus", &exitStatus);
+    addHandler("-j", 3, handler(&TidemakeArgParse::onJobs));
 }
 
 void TidemakeArgParse::onArgument(const char *argument)
@@ -101,4 +105,19 @@ void TidemakeArgParse::onSolution(const char *, const char *value)
 void TidemakeArgParse::onBenchDir(const char *, const char *value)
 {
     benchDir = fromWord(value);
+}
+
+void TidemakeArgParse::onJobs(const char *option, const char *value)
+{
+    // Digits only; a number too large for an int asks for as many as there can be.
+    long long count = 0;
+    const char *digit = value;
+    for (; *digit >= '0' && *digit <= '9'; ++digit)
+        count = std::min(count * 10 + (*digit - '0'), (long long)INT_MAX);
+    if (*digit != '\0' || digit == value || count == 0) {
+        error() << option << " needs a number of commands of 1 or more, not '" << value << "'"
+                << std::endl;
+        return;
+    }
+    jobs = int(count);
 }

@@ -26,6 +26,8 @@ public:
     void onSolution(const char *option, const char *value);
     /// `-BenchDir`: the installation directory.
     void onBenchDir(const char *option, const char *value);
+    /// `-j N` or `-jN`: the number of commands that may run at once, a whole number from 1.
+    void onJobs(const char *option, const char *value);
 
     QString config;
     QString hdpFile;
@@ -41,4 +43,6 @@ public:
     /// `-exitstatus`: a failed build, a solution that can't be loaded or an error that ends
     /// the program exits with status 2 instead of 0.
     bool exitStatus = false;
+    /// `-j`: how many commands may run at once, as asked for.
+    int jobs = 1;
 };

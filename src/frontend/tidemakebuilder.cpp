@@ -2,25 +2,43 @@
 
 #include "engine/buildsystem.h"
 #include "engine/diskinterface.h"
+#include "engine/standardbuildsystem.h"
 #include "frontend/interrupts.h"
 #include "frontend/processrunner.h"
 
 #include <QFile>
 
-#include <cctype>
-
-TidemakeBuilder::TidemakeBuilder(bool echo, bool show, FILE *out) : echo(echo), show(show), out(out)
+TidemakeBuilder::TidemakeBuilder(bool echo, bool show, FILE *out, int jobs)
+    : echo(echo), show(show), out(out)
 {
+    if (jobs > 1 && !show)
+        queue = std::make_unique<JobQueue>(jobs, [this](Job &ended) { jobEnded(ended); });
+}
+
+TidemakeBuilder::~TidemakeBuilder()
+{
+    wait();
+    releaseHeldGroupLine();
 }
 
 void TidemakeBuilder::beginGroup(ProjectElement *, const QString &text, bool)
 {
+    if (queue && !job) {
+        // Whether the line heads a job is known at the group's first command.
+        releaseHeldGroupLine();
+        indent += 2;
+        heldGroupLine = text;
+        return;
+    }
     indent += 2;
-    printLine(text);
+    put(text);
 }
 
 void TidemakeBuilder::endGroup(ProjectElement *)
 {
+    if (job && indent <= jobIndent)
+        closeJob();
+    releaseHeldGroupLine();
     indent -= 2;
 }
 
@@ -81,24 +99,30 @@ void TidemakeBuilder::doit()
 {
     if (abandonIfInterrupted())
         return;
-    if (echo)
-        printLine(command.join(QLatin1Char(' ')));
-    if (show)
-        return;
-
-    if (buildSystem) {
+    const QString echoLine = command.join(QLatin1Char(' '));
+    if (queue) {
+        // A built-in command that waits for no queued one is carried out at once, as without
+        // jobs, so that what the engine reads next is already there.
         QString message;
-        if (buildSystem->builtinCommand(directory, command, message)) {
-            if (abandonIfInterrupted())
-                return;
-            if (!message.isEmpty()) {
-                printLine(message);
-                recordFailure();
-            }
-            return;
+        if (!job && carryOutBuiltin(message)) {
+            if (echo)
+                put(echoLine);
+            builtinDone(message);
+        } else {
+            queueCommand(echoLine);
         }
+        return;
     }
 
+    if (echo)
+        printLine(echoLine);
+    if (show)
+        return;
+    QString message;
+    if (carryOutBuiltin(message)) {
+        builtinDone(message);
+        return;
+    }
     const int status = QTx::spawnProcess(command, true, directory, false, nullptr, nullptr);
     if (abandonIfInterrupted())
         return;
@@ -106,8 +130,83 @@ void TidemakeBuilder::doit()
         return;
     // Anything but -1 is the tool's own failure, and the tool has said why.
     if (status == -1)
-        printLine(QStringLiteral("can't execute command \"") + command.value(0) + QLatin1Char('"'));
+        printLine(cannotExecuteLine(command.value(0)));
     recordFailure();
+}
+
+// Offers the command to the engine's built-ins, which may also rewrite it; false when it is to
+// be run as a program.
+bool TidemakeBuilder::carryOutBuiltin(QString &message)
+{
+    return buildSystem && buildSystem->builtinCommand(directory, command, message);
+}
+
+void TidemakeBuilder::builtinDone(const QString &message)
+{
+    if (abandonIfInterrupted())
+        return;
+    if (!message.isEmpty()) {
+        put(message);
+        recordFailure();
+    }
+}
+
+// Adds the command to the job being collected, which the group's line heads if it is the
+// group's first command.
+void TidemakeBuilder::queueCommand(const QString &echoLine)
+{
+    if (!job) {
+        job = std::make_unique<Job>();
+        jobIndent = indent;
+        if (heldGroupLine) {
+            job->addLine(consoleLine(indent, *heldGroupLine));
+            heldGroupLine.reset();
+        }
+    }
+    if (echo)
+        job->addLine(consoleLine(indent, echoLine));
+    job->addCommand({directory, command, outputFiles, indent});
+    job->addTemporaryFiles(sequenceTemporaries);
+}
+
+void TidemakeBuilder::closeJob()
+{
+    queue->submit(std::move(job));
+    jobsSinceWait = true;
+}
+
+void TidemakeBuilder::wait()
+{
+    if (!queue)
+        return;
+    if (job)
+        closeJob();
+    queue->drain();
+    // The files that the commands made changed after the engine last looked.
+    if (jobsSinceWait && buildSystem)
+        buildSystem->disk().invalidateAll();
+    jobsSinceWait = false;
+}
+
+void TidemakeBuilder::jobEnded(Job &ended)
+{
+    for (const auto &[stream, bytes] : ended.printed()) {
+        if (stream == 2) {
+            // What stands on stdout before the tool's diagnostics comes out first.
+            std::fflush(out);
+            std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stderr);
+        } else {
+            std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out);
+        }
+    }
+    std::fflush(out);
+    if (ended.state() == Job::Failed)
+        recordFailure();
+    // The engine recorded the outputs as made when the job was handed over.
+    if (ended.state() != Job::Succeeded && standardBuildSystem)
+        standardBuildSystem->forgetOutputs(ended.outputFiles());
+    if (Interrupts::received() && buildSystem)
+        buildSystem->stopRequested = true;
 }
 
 void TidemakeBuilder::recordFailure()
@@ -137,34 +236,47 @@ bool TidemakeBuilder::abandonIfInterrupted()
 void TidemakeBuilder::error(const QString &text)
 {
     errorReported = true;
-    printLine(text);
+    put(text);
 }
 
 void TidemakeBuilder::note(const QString &text)
 {
-    printLine(text);
+    put(text);
 }
 
 void TidemakeBuilder::success(const QString &text)
 {
-    printLine(text);
+    put(text);
 }
 
 void TidemakeBuilder::message(const QString &text)
 {
+    put(text);
+}
+
+// A line goes into the job being collected, if there is one, so that it comes out in its
+// place among the job's own.
+void TidemakeBuilder::put(const QString &text)
+{
+    if (job) {
+        job->addLine(consoleLine(indent, text));
+        return;
+    }
+    releaseHeldGroupLine();
     printLine(text);
 }
 
-// Only printable characters of the first 256 go out; tabs and line ends inside the text
-// are dropped so that each report stays one line.
+void TidemakeBuilder::releaseHeldGroupLine()
+{
+    if (!heldGroupLine)
+        return;
+    const QString text = *heldGroupLine;
+    heldGroupLine.reset();
+    printLine(text);
+}
+
 void TidemakeBuilder::printLine(const QString &text)
 {
-    for (int i = 0; i < indent; ++i)
-        std::fputc(' ', out);
-    for (const QChar c : text) {
-        const int code = c.unicode() > 0xFF ? 0 : c.unicode();
-        if (std::isprint(code))
-            std::fputc(code, out);
-    }
-    std::fputc('\n', out);
+    const QByteArray line = consoleLine(indent, text);
+    std::fwrite(line.constData(), 1, size_t(line.size()), out);
 }

@@ -78,8 +78,13 @@ void ARMBuildSystem::compileCommands(const ObjectJob &job, BuildAction action,
         return;
 
     if (!dryRun && longCalls && isOn(element, armModuleCallViasProperty, configuration) &&
-        setting(element, armInstructionSetProperty, configuration) == QLatin1String("Thumb"))
+        setting(element, armInstructionSetProperty, configuration) == QLatin1String("Thumb")) {
+        // The rewrite reads what the compiler wrote.
+        job.builder->wait();
+        if (mustStop())
+            return;
         workaroundCallViaBug(assembly);
+    }
     assembleObject(job, assembly, {}, !keepAssembly);
 }
 

@@ -2,6 +2,7 @@
 
 #include "support/testsupport.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -22,7 +23,22 @@ public:
     /// the scratch directory shown as "@"; the log starts anew.
     QStringList take();
 
+    /// One tool run with its times, in nanoseconds since the epoch.
+    struct Run
+    {
+        qint64 start;
+        qint64 end;
+        QString line; ///< as take() shows it
+    };
+    /// The environment of `environment`, for tools that each take `delay` seconds and log when
+    /// they start and end.
+    QStringList timedEnvironment(const QString &failing, const QString &delay) const;
+    /// The timed runs since the last call, in the order they ended; the log starts anew.
+    QList<Run> takeRuns();
+
 private:
+    QStringList takeLog(const QString &name);
+
     const ScratchDir &m_scratch;
     QString m_benchDir;
 };
