@@ -18,8 +18,10 @@ QByteArray escaped(const QString &text)
     return bytes;
 }
 
-QString unescaped(const QByteArray &bytes)
+QString unescaped(QByteArrayView bytes)
 {
+    if (!bytes.contains('\\'))
+        return QString::fromUtf8(bytes);
     QByteArray plain;
     plain.reserve(bytes.size());
     for (qsizetype i = 0; i < bytes.size(); ++i) {
@@ -47,6 +49,7 @@ void BuildRecord::load(DiskInterface &disk, const QString &path, const QString &
     m_project = project;
     m_configuration = configuration;
     m_entries.clear();
+    m_settingsDifferences.clear();
     m_changed = false;
     QByteArray text;
     m_present = disk.readFile(path, maximumRecordSize, text);
@@ -59,13 +62,13 @@ void BuildRecord::load(DiskInterface &disk, const QString &path, const QString &
         m_entries.clear();
 }
 
-const QStringList *BuildRecord::find(const QString &output) const
+const BuildSignature *BuildRecord::find(const QString &output) const
 {
     const auto found = m_entries.constFind(output);
     return found == m_entries.cend() ? nullptr : &*found;
 }
 
-void BuildRecord::set(const QString &output, const QStringList &signature)
+void BuildRecord::set(const QString &output, const BuildSignature &signature)
 {
     auto found = m_entries.find(output);
     if (found != m_entries.end() && *found == signature)
@@ -89,19 +92,33 @@ bool BuildRecord::save(DiskInterface &disk)
     return true;
 }
 
+// The file: a header line, then a line "s" and the entries of each distinct settings list,
+// numbered from 0 in their order, then a line "o", the output, the number of its settings
+// list and its own entries for each output.
 QByteArray BuildRecord::serialize() const
 {
     QByteArray text = header + '\t' + escaped(m_project) + '\t' + escaped(m_configuration) + '\n';
     // In a fixed order, so that the same record is always the same file.
     QStringList outputs = m_entries.keys();
     outputs.sort();
+    QHash<QStringList, int> numbers;
+    QByteArray outputLines;
     for (const QString &output : outputs) {
-        text += escaped(output);
-        for (const QString &entry : m_entries.value(output))
-            text += '\t' + escaped(entry);
-        text += '\n';
+        const BuildSignature &signature = m_entries[output];
+        auto number = numbers.constFind(signature.settings);
+        if (number == numbers.cend()) {
+            number = numbers.insert(signature.settings, int(numbers.size()));
+            text += 's';
+            for (const QString &entry : signature.settings)
+                text += '\t' + escaped(entry);
+            text += '\n';
+        }
+        outputLines += "o\t" + escaped(output) + '\t' + QByteArray::number(*number);
+        for (const QString &entry : signature.extras)
+            outputLines += '\t' + escaped(entry);
+        outputLines += '\n';
     }
-    return text;
+    return text + outputLines;
 }
 
 bool BuildRecord::parse(const QByteArray &text)
@@ -109,20 +126,63 @@ bool BuildRecord::parse(const QByteArray &text)
     m_entries.clear();
     if (!text.endsWith('\n'))
         return false; // cut off while it was written
-    const QList<QByteArray> lines = text.split('\n');
-    const QList<QByteArray> first = lines.value(0).split('\t');
-    if (first.size() != 3 || first.at(0) != header || unescaped(first.at(1)) != m_project ||
-        unescaped(first.at(2)) != m_configuration)
+    // Read in place, field by field: a build reads every record of the solution.
+    qsizetype lineStart = 0;
+    auto nextLine = [&](QList<QByteArrayView> &fields) {
+        const qsizetype end = text.indexOf('\n', lineStart);
+        fields.clear();
+        qsizetype fieldStart = lineStart;
+        for (;;) {
+            const qsizetype tab = text.indexOf('\t', fieldStart);
+            if (tab < 0 || tab > end) {
+                fields.append(QByteArrayView(text.constData() + fieldStart, end - fieldStart));
+                break;
+            }
+            fields.append(QByteArrayView(text.constData() + fieldStart, tab - fieldStart));
+            fieldStart = tab + 1;
+        }
+        lineStart = end + 1;
+    };
+    QList<QByteArrayView> fields;
+    nextLine(fields);
+    if (fields.size() != 3 || fields.at(0) != header || unescaped(fields.at(1)) != m_project ||
+        unescaped(fields.at(2)) != m_configuration)
         return false;
-    for (qsizetype i = 1; i + 1 < lines.size(); ++i) {
-        const QList<QByteArray> fields = lines.at(i).split('\t');
-        QStringList signature;
-        signature.reserve(fields.size() - 1);
-        for (qsizetype f = 1; f < fields.size(); ++f)
-            signature.append(unescaped(fields.at(f)));
-        m_entries.insert(unescaped(fields.at(0)), signature);
+    QList<QStringList> settings;
+    while (lineStart < text.size()) {
+        nextLine(fields);
+        if (fields.at(0) == "s") {
+            QStringList entries;
+            entries.reserve(fields.size() - 1);
+            for (qsizetype f = 1; f < fields.size(); ++f)
+                entries.append(unescaped(fields.at(f)));
+            settings.append(entries);
+            continue;
+        }
+        bool ok = false;
+        const int number = fields.size() < 3 ? -1 : fields.at(2).toInt(&ok);
+        if (fields.at(0) != "o" || !ok || number < 0 || number >= settings.size())
+            return false;
+        BuildSignature signature{settings.at(number), {}};
+        signature.extras.reserve(fields.size() - 3);
+        for (qsizetype f = 3; f < fields.size(); ++f)
+            signature.extras.append(unescaped(fields.at(f)));
+        m_entries.insert(unescaped(fields.at(1)), signature);
     }
     return true;
+}
+
+QString BuildRecord::firstDifference(const BuildSignature &before, const BuildSignature &now) const
+{
+    const QPair<const void *, const void *> key(before.settings.constData(),
+                                                now.settings.constData());
+    auto known = m_settingsDifferences.constFind(key);
+    if (known == m_settingsDifferences.cend())
+        known = m_settingsDifferences.insert(
+            key, {before.settings, now.settings, firstDifference(before.settings, now.settings)});
+    if (!known->difference.isNull())
+        return known->difference;
+    return firstDifference(before.extras, now.extras);
 }
 
 QString BuildRecord::firstDifference(const QStringList &before, const QStringList &now)

@@ -6,10 +6,22 @@
 
 class DiskInterface;
 
+/// What one output was made from, as "key=value" entries: `settings`, the values of the
+/// settings of its command and the tools, which many outputs share (and share one list), and
+/// `extras`, its own (its inputs).
+struct BuildSignature
+{
+    QStringList settings;
+    QStringList extras;
+    bool operator==(const BuildSignature &other) const
+    {
+        return settings == other.settings && extras == other.extras;
+    }
+    bool operator!=(const BuildSignature &other) const { return !(*this == other); }
+};
+
 /// What the outputs of one project in one configuration were last made from, kept across
-/// runs in a small file of the project's intermediate directory. An output's signature is a
-/// list of "key=value" entries: the settings its command is made from, its input list, the
-/// tool chain root.
+/// runs in a small file of the project's intermediate directory.
 class BuildRecord
 {
 public:
@@ -21,9 +33,9 @@ public:
     /// Whether a record file was there when the record was loaded.
     bool present() const { return m_present; }
     /// The signature kept for `output`, or null when there is none.
-    const QStringList *find(const QString &output) const;
+    const BuildSignature *find(const QString &output) const;
     /// Keeps `signature` for `output`.
-    void set(const QString &output, const QStringList &signature);
+    void set(const QString &output, const BuildSignature &signature);
     /// Forgets `output`: its last command failed or was interrupted.
     void remove(const QString &output);
     /// Whether the record differs from the file it was loaded from.
@@ -41,14 +53,26 @@ public:
     bool parse(const QByteArray &text);
 
     /// The key of the first entry in which `now` differs from `before`; "*" when they differ
-    /// only in their number of entries, a null string when they are equal.
+    /// only in their number of entries, a null string when they are equal. Settings lists
+    /// compared once are not compared again.
+    QString firstDifference(const BuildSignature &before, const BuildSignature &now) const;
+    /// The same for two lists of entries.
     static QString firstDifference(const QStringList &before, const QStringList &now);
 
 private:
     QString m_path;
     QString m_project;
     QString m_configuration;
-    QHash<QString, QStringList> m_entries;
+    QHash<QString, BuildSignature> m_entries;
+    /// Settings lists already compared, by the data of both, with the answer. The lists are
+    /// held, so that their data can't be freed and its address used for another list.
+    struct Comparison
+    {
+        QStringList before;
+        QStringList now;
+        QString difference;
+    };
+    mutable QHash<QPair<const void *, const void *>, Comparison> m_settingsDifferences;
     bool m_present = false;
     bool m_changed = false;
 };

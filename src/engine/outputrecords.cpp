@@ -31,44 +31,54 @@ void StandardBuildSystem::appendGeneratedLinkFiles(ProjectElement *, const QStri
 {
 }
 
-QStringList StandardBuildSystem::commandSignature(ProjectElement *element,
-                                                  const QString &configuration, BuildAction action,
-                                                  const QStringList &inputs)
+BuildSignature StandardBuildSystem::commandSignature(ProjectElement *element,
+                                                     const QString &configuration,
+                                                     BuildAction action, const QStringList &inputs)
 {
-    if (m_recordSerial != buildSerial()) {
+    if (m_signatureSerial != buildSerial() || m_signatureConfiguration != configuration) {
         // The tools can't change within a build; asking once keeps the settings store off
         // the path that every file takes.
         m_toolSignature = toolSignature();
-        m_recordSerial = buildSerial();
+        m_settingsSignatures.clear();
+        m_signatureSerial = buildSerial();
+        m_signatureConfiguration = configuration;
     }
-    const QList<const PropertyClass *> properties = commandProperties(action);
-    QStringList signature;
-    signature.reserve(properties.size() + m_toolSignature.size() + inputs.size() + 2);
-    for (const PropertyClass *property : properties)
-        signature << entry(property->saveName(),
-                           projectSystem->settingFor(element, property, configuration));
-    signature += m_toolSignature;
+    // Settings are found on the elements that have configurations of their own, so every
+    // element below the same one has the same values, and shares one list of them.
+    ProjectElement *owner = element;
+    while (owner && !owner->hasConfigurationChildren())
+        owner = owner->parent();
+    QStringList &settings = m_settingsSignatures[owner ? owner : element][int(action)];
+    if (settings.isEmpty()) {
+        const QList<const PropertyClass *> properties = commandProperties(action);
+        settings.reserve(properties.size() + m_toolSignature.size());
+        for (const PropertyClass *property : properties)
+            settings << entry(property->saveName(),
+                              projectSystem->settingFor(element, property, configuration));
+        settings += m_toolSignature;
+    }
+    BuildSignature signature{settings, {}};
     for (const QString &input : inputs)
-        signature << entry(QStringLiteral("input"), input);
+        signature.extras << entry(QStringLiteral("input"), input);
     if (action == ActionLink) {
         QStringList controlFiles;
         appendLinkControlFiles(element, configuration, controlFiles, false);
         for (const QString &file : controlFiles)
-            signature << entry(QStringLiteral("control"), file);
+            signature.extras << entry(QStringLiteral("control"), file);
     }
     return signature;
 }
 
-bool StandardBuildSystem::recordUpToDate(const QString &output, const QStringList &signature,
+bool StandardBuildSystem::recordUpToDate(const QString &output, const BuildSignature &signature,
                                          Builder *builder, bool quiet)
 {
     if (!m_record.present()) {
         m_record.set(output, signature);
         return true;
     }
-    const QStringList *recorded = m_record.find(output);
+    const BuildSignature *recorded = m_record.find(output);
     const QString difference =
-        recorded ? BuildRecord::firstDifference(*recorded, signature) : QStringLiteral("*");
+        recorded ? m_record.firstDifference(*recorded, signature) : QStringLiteral("*");
     if (difference.isNull())
         return true;
     if (!quiet && builder)
@@ -96,7 +106,7 @@ QString StandardBuildSystem::recordDifference(const QString &output, const QStri
     return QStringLiteral("The ") + key + QStringLiteral(" has changed.");
 }
 
-void StandardBuildSystem::recordCommand(const QString &output, const QStringList &signature)
+void StandardBuildSystem::recordCommand(const QString &output, const BuildSignature &signature)
 {
     if (errorOccurred || stopRequested)
         m_record.remove(output);

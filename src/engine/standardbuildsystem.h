@@ -117,16 +117,16 @@ public:
 
     /// What the command of `action` makes `output` from: the values of its properties, the
     /// tools, and its `inputs` (and, for a link, the link control files).
-    QStringList commandSignature(ProjectElement *element, const QString &configuration,
-                                 BuildAction action, const QStringList &inputs);
+    BuildSignature commandSignature(ProjectElement *element, const QString &configuration,
+                                    BuildAction action, const QStringList &inputs);
     /// Whether the record of the project says `output` was made from what would make it now;
     /// says why not unless `quiet`. Without any record of the project, as after an upgrade,
     /// the times alone decide and `output` is recorded as it stands.
-    bool recordUpToDate(const QString &output, const QStringList &signature, Builder *builder,
+    bool recordUpToDate(const QString &output, const BuildSignature &signature, Builder *builder,
                         bool quiet);
     /// Records `signature` for `output` after its command ran, or forgets `output` when the
     /// command failed or was interrupted.
-    void recordCommand(const QString &output, const QStringList &signature);
+    void recordCommand(const QString &output, const BuildSignature &signature);
     /// Forgets what the record of the project being built says of `absoluteOutputs`: a builder
     /// that runs commands after handing them over learnt late that they failed or never ran.
     void forgetOutputs(const QStringList &absoluteOutputs);
@@ -278,8 +278,12 @@ private:
     QString recordDifference(const QString &output, const QString &key) const;
 
     BuildRecord m_record;
-    QStringList m_toolSignature;        ///< `toolSignature` of this build
-    quint64 m_recordSerial = 0;         ///< the build `m_toolSignature` was taken in
+    QStringList m_toolSignature; ///< `toolSignature` of this build
+    /// The settings entries of each action, by the element they are found on, for one build
+    /// and configuration.
+    QHash<const ProjectElement *, QHash<int, QStringList>> m_settingsSignatures;
+    quint64 m_signatureSerial = 0; ///< the build the two above belong to
+    QString m_signatureConfiguration;
     quint64 m_recordLoadedSerial = 0;   ///< the build `m_record` was read in
     bool m_recordWriteReported = false; ///< a failed write was reported in this build
     mutable QHash<int, QList<const PropertyClass *>> m_commandProperties;

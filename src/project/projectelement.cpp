@@ -185,7 +185,17 @@ void ProjectElement::setAttribute(const QString &name, const QString &value, boo
     else
         m_fromTemplate.remove(name);
     m_modified = true;
-    m_modifiedDates.insert(name, QDateTime::currentDateTime());
+    stampModified(name);
+}
+
+QDateTime ProjectElement::s_latestModification;
+
+void ProjectElement::stampModified(const QString &name)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    m_modifiedDates.insert(name, now);
+    if (!s_latestModification.isValid() || now > s_latestModification)
+        s_latestModification = now;
 }
 
 void ProjectElement::removeAttribute(const QString &name)
@@ -199,7 +209,7 @@ void ProjectElement::removeAttribute(const QString &name)
     }
     m_attributes.remove(name);
     m_fromTemplate.remove(name);
-    m_modifiedDates.insert(name, QDateTime::currentDateTime());
+    stampModified(name);
     m_modified = true;
 }
 

@@ -115,6 +115,9 @@ public:
     bool hasModifiedProperty(const QString &name, QDateTime &out) const;
     /// Forgets every change time.
     void clearModifiedDates() { m_modifiedDates.clear(); }
+    /// The latest change time of any property of any element in this process; invalid when
+    /// nothing was ever changed, as in a console build.
+    static const QDateTime &latestModification() { return s_latestModification; }
     /// Whether the `configuration` child decides if `saveName` changed after `since`; if it
     /// does, `changed` holds the answer.
     bool propertyHasChanged(const QString &configuration, const QString &saveName,
@@ -190,6 +193,9 @@ private:
     QMap<QString, QString> m_attributes;
     bool m_modified = false;
     QMap<QString, QDateTime> m_modifiedDates;
+    static QDateTime s_latestModification;
+    /// Records that `name` changed now.
+    void stampModified(const QString &name);
     QMap<QString, QString> m_pendingSet;
     QMap<QString, QString> m_pendingRemoved;
     bool m_inTransaction = false;

@@ -4,9 +4,9 @@
 #include "project/projectpropertyvalue.h"
 #include "project/projectsystem.h"
 
+#include "engine/builder.h"
 #include "foundation/path.h"
 #include "foundation/qtx.h"
-#include "engine/builder.h"
 #include "properties/propertyclass.h"
 #include "properties/propertyvaluelist.h"
 #include "properties/simplepropertyvalue.h"
@@ -189,6 +189,11 @@ void ProjectSystem::setInheritedConfigurations(ProjectElement *element,
 bool ProjectSystem::upToDate1(ProjectElement *element, const PropertyClass *propertyClass,
                               const QString &configuration, const QDateTime &since) const
 {
+    // Only a change stamped after `since` can make the answer false: when there is none
+    // anywhere, which is every console build, the walk is not needed.
+    const QDateTime &latest = ProjectElement::latestModification();
+    if (!latest.isValid() || latest <= since)
+        return true;
     const bool list = propertyClass->type() == PropertyClass::StringList;
     const QString saveName = propertyClass->saveName();
     QStringList inherited;

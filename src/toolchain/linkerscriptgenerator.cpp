@@ -158,10 +158,10 @@ QString generateLinkerScript(ProjectElement *project, const QString &configurati
     DiskInterface &disk = buildSystem->disk();
     // Without any record (the first build after an upgrade) the times alone decide, as they
     // did; with one, a script made from other files or settings is made again.
-    const QStringList signature =
-        scriptSignature(project, configuration, memoryMapPath, sectionPlacementPath);
+    const BuildSignature signature{
+        scriptSignature(project, configuration, memoryMapPath, sectionPlacementPath), {}};
     BuildRecord *record = standardBuildSystem ? &standardBuildSystem->currentRecord() : nullptr;
-    const QStringList *recorded = record ? record->find(script) : nullptr;
+    const BuildSignature *recorded = record ? record->find(script) : nullptr;
     const bool inputsChanged = record && record->present() && (!recorded || *recorded != signature);
     try {
         if (!clean && !inputsChanged &&

@@ -10,9 +10,10 @@ TEST(BuildRecord, RoundTripKeepsEveryCharacter)
     BuildRecord record;
     record.load(disk, "/p/Debug/r", "app", "Debug\tx");
     EXPECT_FALSE(record.present());
-    const QStringList signature{"c_preprocessor_definitions=A;B\\;C", "input=tab\there",
-                                "control=line\nend\\", "empty="};
+    const BuildSignature signature{{"c_preprocessor_definitions=A;B\\;C", "empty="},
+                                   {"input=tab\there", "control=line\nend\\"}};
     record.set("Debug/main.o", signature);
+    record.set("Debug/util.o", {signature.settings, {"input=util.c"}});
     record.set("Debug/app.elf", {});
     ASSERT_TRUE(record.save(disk));
 
@@ -22,6 +23,8 @@ TEST(BuildRecord, RoundTripKeepsEveryCharacter)
     ASSERT_TRUE(again.find("Debug/main.o"));
     EXPECT_EQ(*again.find("Debug/main.o"), signature);
     ASSERT_TRUE(again.find("Debug/app.elf"));
+    EXPECT_EQ(disk.contents.value("/p/Debug/r").count("c_preprocessor_definitions"), 1)
+        << "a settings list shared by outputs is written once";
     EXPECT_FALSE(again.changed());
     again.set("Debug/main.o", signature);
     EXPECT_FALSE(again.changed()) << "setting what is there changes nothing";
@@ -32,7 +35,7 @@ TEST(BuildRecord, DamagedOrForeignRecordsArePresentButEmpty)
 {
     BuildRecord good;
     good.load(*std::make_unique<FakeDisk>(), "r", "app", "Debug");
-    good.set("a.o", {"x=1"});
+    good.set("a.o", {{"x=1"}, {}});
     const QByteArray text = good.serialize();
     const QByteArray damaged[] = {
         "",
@@ -41,6 +44,8 @@ TEST(BuildRecord, DamagedOrForeignRecordsArePresentButEmpty)
         QByteArray(text).replace("app", "lib"),           // another project
         QByteArray(text).replace("record 1", "record 2"), // another version
         QByteArray(4096, '\0') + '\n',
+        QByteArray(text).replace("o\ta.o\t0", "o\ta.o\t7"), // a settings list that isn't there
+        QByteArray(text).replace("o\ta.o\t0", "o\ta.o\t-1"),
     };
     for (const QByteArray &bytes : damaged) {
         FakeDisk disk;
