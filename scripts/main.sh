@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The main job: install what is missing, build tidemake and its installation tree, install
 # both to a prefix, build the example firmware with the installed tidemake in every
-# configuration, and run each image under QEMU, whose semihosting shows its output here;
-# last, list the package that the example's staging project keeps.
+# configuration, and run each image under QEMU, whose semihosting shows its output here; do
+# the same for the firmware made from the project templates; last, list the package that the
+# example's staging project keeps.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -37,6 +38,30 @@ for board in versatilepb lm3s6965evb; do
       -kernel "$image" </dev/null 2>&1 | sed '/^Timer with period zero/d'
   done
 done
+
+# The same firmware from the installation's project templates (templated.hdp), in a copy of
+# its own so that neither solution's outputs stand in the other's way.
+(
+  templated=$(dirname "$work")/templated
+  rm -rf "$templated"
+  cp -r "$(dirname "$work")/../examples" "$templated"
+  cd "$templated"
+  for configuration in "versatilepb Debug" "versatilepb Release" "lm3s6965evb Debug" \
+                       "lm3s6965evb Release"; do
+    "$prefix/bin/tidemake" -config "$configuration" templated.hdp
+    image=app/${configuration/ //}/app.elf
+    test -f "$image" || { echo "$image was not built" >&2; exit 1; }
+    echo "Running $image"
+    case $configuration in
+      # The options of the loop above, board by board.
+      versatilepb*) machine=(-M versatilepb -cpu arm926 -audiodev none,id=snd0
+                             -global pl041.audiodev=snd0) ;;
+      lm3s6965evb*) machine=(-M lm3s6965evb) ;;
+    esac
+    timeout 20 qemu-system-arm "${machine[@]}" -nographic -semihosting \
+      -kernel "$image" </dev/null 2>&1 | sed '/^Timer with period zero/d'
+  done
+)
 
 # The staging project kept one package of every configuration's images and memory maps.
 echo "Members of dist/firmware.hdq"
