@@ -88,6 +88,9 @@ bool StandardBuildSystem::stageStep(ProjectElement *file, const QString &configu
                          readOnly ? QStringLiteral("-w") : QStringLiteral("+w"), absolute});
     builder->doit();
     recordCommand(stageOutput, signature);
+    // The package takes the copy, which a command run beside the build may still be making.
+    if (packaged)
+        builder->wait();
     if (packaged && !errorOccurred && !stopRequested)
         addToRemoveFromArchive(packagePath, member, absolute, builder, quiet, true, dryRun);
     builder->endGroup(file);
