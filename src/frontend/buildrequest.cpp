@@ -8,6 +8,7 @@
 #include "macros/macrosystem.h"
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
+#include "project/solutionwarnings.h"
 #include "toolchain/armbuildsystem.h"
 
 #include <algorithm>
@@ -45,6 +46,9 @@ bool runBuildRequest(TidemakeArgParse &options)
     macroSystem.setSystemMacro(QStringLiteral("Platform"), QStringLiteral("arm"));
     macroSystem.setSystemMacro(QStringLiteral("BenchDir"), options.benchDir);
     projectSystem->loadSolution(options.hdpFile, nullptr);
+    SolutionWarnings warnings(projectSystem);
+    warnings.checkLoadedSolution();
+    warnings.write(stderr);
 
     const int type = buildType(options);
     if (options.show)

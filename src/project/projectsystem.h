@@ -300,6 +300,16 @@ public:
     /// Adapts a freshly loaded solution file; nothing here.
     virtual void munge(ProjectElement *element);
 
+    /// An element of a solution file that the loader didn't understand and passed over.
+    struct SkippedElement
+    {
+        QString file;  ///< the absolute path of the file it stood in
+        QString where; ///< the element path of what it would have gone under
+        QString tag;
+    };
+    /// The elements the last load passed over, in file order; for the load's warnings.
+    const QList<SkippedElement> &skippedElements() const { return m_skippedElements; }
+
 signals:
     void solutionLoaded();
     void fileSaved(const Path &path);
@@ -334,6 +344,7 @@ private:
     QMap<QString, ProjectElement *> m_solutions;
     QStringList m_loadStack;
     QList<ProjectElement *> m_pendingTemplates;
+    QList<SkippedElement> m_skippedElements;
     SettingExpander *m_settingExpander = nullptr;
 };
 

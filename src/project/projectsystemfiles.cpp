@@ -7,6 +7,7 @@
 #include "project/projecttemplates.h"
 #include "project/solutionloaderror.h"
 #include "project/solutionsaveerror.h"
+#include "project/solutionwarnings.h"
 
 #include "foundation/path.h"
 #include "macros/macrosystem.h"
@@ -95,6 +96,7 @@ ProjectElement *ProjectSystem::loadSolution(const QString &path,
 {
     closeSolution();
     m_pendingTemplates.clear();
+    m_skippedElements.clear();
     try {
         m_rootSolution = loadProjectFile(QString(), path, handler);
     } catch (...) {
@@ -235,8 +237,11 @@ ProjectElement *ProjectSystem::domToElementAt(const QString &directory, XMLEleme
             ProjectElement *child = isImport(level.next)
                                         ? loadImport(directory, level.next, handler, level.depth)
                                         : makeElement(level.next, level.depth);
-            if (!child)
+            if (!child) {
+                m_skippedElements.append({m_loadStack.last(), SolutionWarnings::where(level.parent),
+                                          QString::fromLatin1(level.next->tagName())});
                 continue;
+            }
             level.parent->appendChild(child);
             level.parent->setModified(false);
             if (!child->imported())
