@@ -141,6 +141,8 @@ public:
     void addPropertyClass(PropertyClass *propertyClass);
     /// The class saved as `saveName`, or null.
     PropertyClass *findPropertyClass(const QString &saveName) const;
+    /// The whole catalogue by save name; for the reference of settings.
+    const QMap<QString, PropertyClass *> &propertyClasses() const { return m_propertyClasses; }
 
     bool errorOccurred = false; ///< a command failed: every further step is skipped
     /// The build is to stop: an interrupt asked for it. Written from a signal handler, so
