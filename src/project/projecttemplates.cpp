@@ -93,8 +93,8 @@ ProjectTemplates::ProjectTemplates(ProjectSystem *system)
 
 void ProjectTemplates::enterDefinitions(XMLElement *rootElement)
 {
-    // A pre-order walk without recursion; a `configurations` element enters its definitions
-    // on the way back up, after what lies below it, so a later definition of a name wins.
+    // A pre-order walk without recursion. A `configurations` element enters its definitions
+    // on the way back up, after any found below it; of two of a name the one entered last wins.
     struct Level
     {
         XMLElement *element;
@@ -260,7 +260,8 @@ void ProjectTemplates::createConfiguration(ProjectElement *solution, ProjectElem
         XMLElement *definition = findConfiguration(definitionName);
         if (!definition || underWay.contains(definitionName))
             return;
-        ProjectElement *configuration = ProjectSystem::findConfiguration(solution, definitionName);
+        // The child that resolution reads, found without a walk over the solution's children.
+        ProjectElement *configuration = solution->getConfigurationElement(definitionName);
         if (!configuration)
             configuration = m_system->createConfiguration(solution, definitionName, true);
         underWay.insert(definitionName);

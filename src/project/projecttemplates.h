@@ -16,7 +16,8 @@ class ProjectTemplates : public XMLPP2
 {
 public:
     /// Loads the templates file; one that can't be loaded leaves no template and no
-    /// configuration definition. The project is filled through `system`.
+    /// configuration definition. Projects are filled through `system`, by default the
+    /// process-wide project system.
     explicit ProjectTemplates(ProjectSystem *system = nullptr);
 
     /// The template called `name`, or null.
