@@ -3,7 +3,10 @@
 # Safe to run again: it only calls apt-get when something is missing.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ qt6-base-dev libgtest-dev libgmock-dev)
+# clang checks that the compile database of -compdb describes the examples' sources.
+packages=(cmake ninja-build g++ qt6-base-dev libgtest-dev libgmock-dev clang)
+# The fuzz targets: clang with its runtime of libFuzzer and the sanitizers.
+packages+=(clang libclang-rt-14-dev)
 # The ARM cross tool chain, its C and C++ libraries, and the emulator that runs the firmware.
 # Their recommendations (a GUI for the emulator, firmware for other machines) aren't needed.
 cross_packages=(gcc-arm-none-eabi binutils-arm-none-eabi libnewlib-arm-none-eabi

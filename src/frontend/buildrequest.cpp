@@ -10,6 +10,9 @@
 #include "project/projectelement.h"
 #include "project/solutionwarnings.h"
 #include "toolchain/armbuildsystem.h"
+#include "toolchain/compilationdatabase.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cstdio>
@@ -24,6 +27,22 @@ namespace {
     for (const QString &entry : offered)
         std::puts(entry.toLocal8Bit().constData());
     std::exit(1);
+}
+
+// Writes compile_commands.json beside the root solution file for `element`; a file that
+// can't be written ends the program with status 1.
+void writeCompilationDatabase(ProjectElement *element, const QString &configuration)
+{
+    const QString path = QFileInfo(projectSystem->solutionFilePath()).absolutePath() +
+                         QStringLiteral("/compile_commands.json");
+    auto *system = static_cast<ARMBuildSystem *>(buildSystem);
+    QString error;
+    if (!CompilationDatabase::write(
+            path, CompilationDatabase::entries(system, element, configuration), error)) {
+        std::fprintf(stderr, "error: can't write %s: %s\n", path.toLocal8Bit().constData(),
+                     error.toLocal8Bit().constData());
+        std::exit(1);
+    }
 }
 
 int buildType(const TidemakeArgParse &options)
@@ -72,6 +91,11 @@ bool runBuildRequest(TidemakeArgParse &options)
     if (!configurations.contains(options.config))
         refuseChoice("can't find configuration '%s' supported configurations:\n", options.config,
                      configurations);
+
+    if (options.compdb) {
+        writeCompilationDatabase(element, options.config);
+        return true;
+    }
 
     // The build clears the engine's stop flag when it starts: an interrupt that came while
     // the solution loaded must not be forgotten there.

@@ -29,6 +29,7 @@ const char *const usageText[] = {
     "  -verbose          show build information\n",
     "  -exitstatus       exit with status 2 if the build fails\n",
     "  -j N              run up to N commands at once\n",
+    "  -compdb           write compile_commands.json instead of building\n",
     nullptr,
 };
 
@@ -61,6 +62,7 @@ TidemakeArgParse::TidemakeArgParse(HReporter *reporter) : ArgParse(reporter)
     addFlag("-verbose", &verbose);
     addFlag("-exitstatus", &exitStatus);
     addHandler("-j", 3, handler(&TidemakeArgParse::onJobs));
+    addFlag("-compdb", &compdb);
 }
 
 void TidemakeArgParse::onArgument(const char *argument)

@@ -45,4 +45,6 @@ public:
     bool exitStatus = false;
     /// `-j`: how many commands may run at once, as asked for.
     int jobs = 1;
+    /// `-compdb`: write compile_commands.json beside the solution file instead of building.
+    bool compdb = false;
 };

@@ -56,6 +56,10 @@ public:
     /// `objectFile` is null also the dependency file and diagnostic options.
     void addPreprocessorOptions(ProjectElement *element, const QString &configuration,
                                 const QString &objectFile, QStringList &command);
+    /// Appends what decides how a source is read: "-nostdinc", the include directories, the
+    /// predefinitions and the user's definitions and undefinitions; editors' tools share them.
+    void addIncludeAndDefinitionOptions(ProjectElement *element, const QString &configuration,
+                                        QStringList &command);
     /// Appends the assembler's options for assembling `input` into `output`.
     void addAssemblerOptions(ProjectElement *element, const QString &configuration,
                              const QString &input, const QString &output, QStringList &command);

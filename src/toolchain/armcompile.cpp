@@ -147,6 +147,23 @@ void ARMBuildSystem::assembleObject(const ObjectJob &job, const QString &input,
 void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QString &configuration,
                                             const QString &objectFile, QStringList &command)
 {
+    addIncludeAndDefinitionOptions(element, configuration, command);
+    if (!objectFile.isNull()) {
+        // The compiler proper takes the dependency file by name, beside the object.
+        command << QStringLiteral("-MD") << dependencyFilePath(objectFile) << QStringLiteral("-MQ")
+                << objectFile;
+        if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
+            command << QStringLiteral("-Werror");
+        command << (isOn(element, buildQuietlyProperty, configuration) ? QStringLiteral("-quiet")
+                                                                       : QStringLiteral("-v"));
+    }
+    appendOptions(command, setting(element, cAdditionalOptionsProperty, configuration));
+}
+
+void ARMBuildSystem::addIncludeAndDefinitionOptions(ProjectElement *element,
+                                                    const QString &configuration,
+                                                    QStringList &command)
+{
     command << QStringLiteral("-nostdinc");
     if (setting(element, cIgnoreIncludesProperty, configuration) == QLatin1String("No")) {
         appendSplitItems(
@@ -170,17 +187,6 @@ void ARMBuildSystem::addPreprocessorOptions(ProjectElement *element, const QStri
                      setting(element, cPreprocessorDefinitionsProperty, configuration));
     appendSplitItems(command, QStringLiteral("-U"),
                      setting(element, cPreprocessorUndefinitionsProperty, configuration));
-
-    if (!objectFile.isNull()) {
-        // The compiler proper takes the dependency file by name, beside the object.
-        command << QStringLiteral("-MD") << dependencyFilePath(objectFile) << QStringLiteral("-MQ")
-                << objectFile;
-        if (isOn(element, buildTreatWarningsAsErrorsProperty, configuration))
-            command << QStringLiteral("-Werror");
-        command << (isOn(element, buildQuietlyProperty, configuration) ? QStringLiteral("-quiet")
-                                                                       : QStringLiteral("-v"));
-    }
-    appendOptions(command, setting(element, cAdditionalOptionsProperty, configuration));
 }
 
 void ARMBuildSystem::addGroupDefinitions(ProjectElement *element, const QString &configuration,

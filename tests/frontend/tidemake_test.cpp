@@ -26,7 +26,8 @@ const char *const usage = "Halden for ARM tidemake   Release 1.7\n"
                           "  -solution 'name'  build/batch build 'name' solution\n"
                           "  -verbose          show build information\n"
                           "  -exitstatus       exit with status 2 if the build fails\n"
-                          "  -j N              run up to N commands at once\n";
+                          "  -j N              run up to N commands at once\n"
+                          "  -compdb           write compile_commands.json instead of building\n";
 
 // Runs tidemake in a scratch directory of its own with its own settings store.
 class TidemakeRun : public ::testing::Test
