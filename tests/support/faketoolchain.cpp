@@ -66,6 +66,6 @@ QStringList FakeToolChain::takeLog(const QString &name)
     QFile::remove(m_scratch.file(name));
     log.replace(m_scratch.path(), QStringLiteral("@"));
     // Scratch files have a fresh random name each run.
-    log.replace(QRegularExpression(QStringLiteral("/tmp/file\\w{6}")), QStringLiteral("TMP"));
+    log.replace(QRegularExpression(QStringLiteral("\\S*/tmp/file\\w{6}")), QStringLiteral("TMP"));
     return log.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }

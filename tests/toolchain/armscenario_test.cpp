@@ -1,26 +1,11 @@
+#include "support/faketoolchain.h"
 #include "support/testsupport.h"
 
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QRegularExpression>
 
 namespace {
-
-/// A tool that writes its name and arguments to $FAKE_TOOL_LOG, makes the files it is asked
-/// to make, and fails if its name is in $FAKE_TOOL_FAIL.
-const QByteArray fakeTool = R"(#!/bin/sh
-tool=${0##*/}
-echo "$tool $*" >> "$FAKE_TOOL_LOG"
-prev=
-for arg in "$@"; do
-  case "$prev" in -o|-MD|-Map) : > "$arg" ;; esac
-  prev=$arg
-done
-case "$tool" in ar|objcopy) : > "$2" ;; esac
-case " $FAKE_TOOL_FAIL " in *" $tool "*) exit 1 ;; esac
-exit 0
-)";
 
 const QByteArray solution = solutionText(R"(  <configuration Name="Debug"/>
   <project Name="App">
@@ -47,10 +32,7 @@ TEST(ARMScenario, BuildsWithTheInstallationsToolsAndStopsAtAFailure)
 {
     ScratchDir work;
     ScratchDir settings;
-    for (const char *tool : {"cc1", "as", "ld", "ar", "objcopy"}) {
-        const QString path = work.write(QStringLiteral("bench/gcc/bin/") + tool, fakeTool);
-        QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeOwner);
-    }
+    FakeToolChain tools(work);
     work.write("s.hdp", solution);
     work.write("app/main.c", "int main(void) { return 0; }\n");
     work.write("app/start.s", "  .global reset_handler\n");
@@ -58,19 +40,9 @@ TEST(ARMScenario, BuildsWithTheInstallationsToolsAndStopsAtAFailure)
     work.write("lib/lib.c", "int f(void) { return 1; }\n");
     // Runs the program in "Debug" with `options` added, the tools named in `failing` failing.
     auto build = [&](const QStringList &options = {}, const QString &failing = QString()) {
-        return runTidemake(
-            QStringList{"-config", "Debug", "-BenchDir", work.file("bench")} + options +
-                QStringList{"s.hdp"},
-            work.path(), settings.path(),
-            {"FAKE_TOOL_LOG=" + work.file("tools.log"), "FAKE_TOOL_FAIL=" + failing});
-    };
-    // The tool runs recorded so far, scratch file names shown as "TMP", the work directory as
-    // "@"; the record starts anew.
-    auto takeLog = [&] {
-        QString log = QString::fromLocal8Bit(work.read("tools.log"));
-        QFile::remove(work.file("tools.log"));
-        return log.replace(QRegularExpression("\\S*/tmp/file\\w{6}"), "TMP")
-            .replace(work.path(), "@");
+        return runTidemake(QStringList{"-config", "Debug", "-BenchDir", tools.benchDir()} +
+                               options + QStringList{"s.hdp"},
+                           work.path(), settings.path(), tools.environment(failing));
     };
 
     const RunResult first = build();
@@ -83,11 +55,11 @@ TEST(ARMScenario, BuildsWithTheInstallationsToolsAndStopsAtAFailure)
                          "    Assembling start.s\n"
                          "    Linking App.elf\n")
         << first.err.toStdString();
-    const QStringList log = takeLog().split('\n', Qt::SkipEmptyParts);
-    QStringList tools;
+    const QStringList log = tools.take();
+    QStringList names;
     for (const QString &line : log)
-        tools << line.section(' ', 0, 0);
-    EXPECT_EQ(tools, QStringList({"cc1", "as", "ar", "cc1", "as", "cc1", "as", "ld", "objcopy"}));
+        names << line.section(' ', 0, 0);
+    EXPECT_EQ(names, QStringList({"cc1", "as", "ar", "cc1", "as", "cc1", "as", "ld", "objcopy"}));
     // The library's own instruction set, the application's definitions, the whole link.
     EXPECT_TRUE(log.value(0).contains(" -march=armv4t -mthumb -mthumb-interwork "));
     EXPECT_TRUE(log.value(5).contains(" -isystem@/bench/include -I. -D__ARM_ARCH_4T__ "
@@ -106,10 +78,10 @@ TEST(ARMScenario, BuildsWithTheInstallationsToolsAndStopsAtAFailure)
     // Nothing changed: nothing runs. Then a failing assembler stops the build before the link.
     EXPECT_EQ(build().out, "  Building \"Lib\" in configuration \"Debug\"\n"
                            "  Building \"App\" in configuration \"Debug\"\n");
-    EXPECT_EQ(takeLog(), "");
+    EXPECT_EQ(tools.take(), QStringList());
     const RunResult failed = build({"-rebuild", "-project", "App"}, "as");
     EXPECT_EQ(failed.exitCode, 0);
     EXPECT_EQ(failed.out, "  Building \"Lib\" in configuration \"Debug\"\n"
                           "    Compiling lib.c\n");
-    EXPECT_EQ(takeLog().count('\n'), 2);
+    EXPECT_EQ(tools.take().size(), 2);
 }
