@@ -1,108 +1,10 @@
-#include "support/testsupport.h"
-
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QDirIterator>
-#include <QFileInfo>
-#include <QStandardPaths>
-
-#include <ostream>
+#include "examplefirmware.h"
 
 namespace {
 
-/// The example solution built by the program with the installation tree of the build directory
-/// (the real cross tool chain, libraries and board files), and its firmware run under QEMU.
-class Firmware : public ::testing::Test
+class Firmware : public ExampleFirmware
 {
-protected:
-    void SetUp() override
-    {
-        const QString bench = QFileInfo(tidemakeExecutable()).absoluteDir().filePath("..");
-        QString missing;
-        if (!QFileInfo(bench + "/gcc/bin/cc1").isExecutable() ||
-            !QFileInfo::exists(bench + "/lib/libc_v7m_t_le.a"))
-            missing = "the installation tree in " + QDir::cleanPath(bench) +
-                      " (configure with arm-none-eabi-gcc installed: scripts/setup.sh)";
-        else if (QStandardPaths::findExecutable("qemu-system-arm").isEmpty())
-            missing = "qemu-system-arm (scripts/setup.sh installs it)";
-        if (!missing.isEmpty()) {
-            // The CI machine installs everything first, so there a gap is a failure.
-            if (!qEnvironmentVariableIsEmpty("CI"))
-                FAIL() << "missing " << missing.toStdString();
-            GTEST_SKIP() << "missing " << missing.toStdString();
-        }
-
-        const QDir examples(QStringLiteral(TIDEMAKE_TEST_SOURCE_DIR "/../examples"));
-        QDirIterator files(examples.path(), QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            const QString file = files.next();
-            QFile source(file);
-            ASSERT_TRUE(source.open(QIODevice::ReadOnly)) << file.toStdString();
-            work.write(examples.relativeFilePath(file), source.readAll());
-        }
-    }
-
-    /// Builds the example solution in `configuration` with `options` added; the program's
-    /// standard output. Nothing may come on its standard error.
-    QString build(const QString &configuration, const QStringList &options = {})
-    {
-        const RunResult run = runTidemake(QStringList{"-config", configuration} + options +
-                                              QStringList{"examples.hdp"},
-                                          work.path(), settings.path());
-        EXPECT_EQ(run.exitCode, 0);
-        EXPECT_EQ(run.err, "") << configuration.toStdString();
-        return run.out;
-    }
-
-    /// Runs the firmware of `configuration` under QEMU on `machine` (its QEMU options); what it
-    /// printed through semihosting, or the exit status and everything if it failed.
-    QString runFirmware(const QString &configuration, const QStringList &machine)
-    {
-        const QString elf = "app/" + QString(configuration).replace(' ', '/') + "/app.elf";
-        // Semihosting's console goes to a file of its own and librdimon's ":tt" to standard
-        // output; standard error is QEMU's, whose notes vary with the packages installed.
-        const QString console = work.file("console.txt");
-        QFile::remove(console);
-        const RunResult run = runProgram(
-            "timeout",
-            QStringList{"20", "qemu-system-arm"} + machine +
-                QStringList{"-nographic", "-semihosting-config",
-                            "enable=on,target=native,chardev=console", "-chardev",
-                            "file,id=console,path=" + console, "-kernel", work.file(elf)},
-            work.path());
-        const QString output = QString::fromLatin1(work.read("console.txt")) + run.out;
-        if (run.exitCode != 0)
-            return "exit status " + QString::number(run.exitCode) + ": " + output + run.err;
-        return output;
-    }
-
-    /// Writes `relative` again as it is, which makes it newer than everything built so far:
-    /// file times are compared to the millisecond.
-    void touch(const QString &relative) { work.write(relative, work.read(relative)); }
-
-    /// The files of the work directory whose names end in one of `suffixes`.
-    QStringList filesEndingIn(const QStringList &suffixes)
-    {
-        QStringList found;
-        QDirIterator files(work.path(), QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            const QString file = files.next();
-            for (const QString &suffix : suffixes)
-                if (file.endsWith(suffix))
-                    found << QDir(work.path()).relativeFilePath(file);
-        }
-        return found;
-    }
-
-    ScratchDir work;
-    ScratchDir settings;
 };
-
-/// QEMU's options for the ARM926 board: its sound chip gets a silent back end, or QEMU probes
-/// for audio modules and complains where the GUI package is not installed.
-const QStringList versatilepb = {"-M", "versatilepb", "-cpu", "arm926", "-audiodev",
-                                 "none,id=snd0", "-global", "pl041.audiodev=snd0"};
 
 const QString resultLines = QStringLiteral("sum 31, mean 3.875, maximum 9\n");
 const QString closingLines = QStringLiteral("crc32 cbf43926\n"
@@ -162,7 +64,7 @@ TEST_F(Firmware, BuildsAndRunsOnBothBoards)
     // integer printf and the C library's streams on the semihosting library.
     EXPECT_EQ(build("lm3s6965evb Release"),
               firstBuild("lm3s6965evb Release", "lm3s6965evb", work.path()));
-    EXPECT_EQ(runFirmware("lm3s6965evb Release", {"-M", "lm3s6965evb"}),
+    EXPECT_EQ(runFirmware("lm3s6965evb Release", lm3s6965evb),
               "Hello from lm3s6965evb\n" + resultLines + closingLines);
     EXPECT_GT(QFileInfo(work.file("app/lm3s6965evb/Release/app.bin")).size(), 1000);
 
@@ -204,7 +106,7 @@ TEST_F(Firmware, RebuildsWhatAHeaderReachesAndCleansUp)
                                         "    Linking app.elf\n" +
                                         restaged);
     EXPECT_EQ(build(configuration), nothing + nothingStaged);
-    EXPECT_EQ(runFirmware(configuration, {"-M", "lm3s6965evb"}),
+    EXPECT_EQ(runFirmware(configuration, lm3s6965evb),
               "Hello from lm3s6965evb\n" + resultLines + closingLines);
 
     // Cleaning removes the objects, libraries, executables and staged copies, runs no tool
@@ -218,4 +120,22 @@ TEST_F(Firmware, RebuildsWhatAHeaderReachesAndCleansUp)
               "  Cleaning \"checksums\" in configuration \"lm3s6965evb Debug\"\n");
     EXPECT_EQ(filesEndingIn(made), QStringList());
     EXPECT_EQ(filesEndingIn({".hdq"}), QStringList{"dist/firmware.hdq"});
+}
+
+// A setting the generated linker script is made from reaches the firmware without -rebuild:
+// the script says the new size and the link runs again, and nothing is compiled.
+TEST_F(Firmware, AChangedStackSizeRewritesTheScriptAndRelinks)
+{
+    const QString configuration = "versatilepb Debug";
+    build(configuration);
+    const QByteArray solution = work.read("examples.hdp");
+    ASSERT_TRUE(solution.contains("arm_linker_stack_size=\"4096\""));
+    work.write("examples.hdp", QByteArray(solution).replace("arm_linker_stack_size=\"4096\"",
+                                                            "arm_linker_stack_size=\"2048\""));
+    const QString rebuilt = build(configuration);
+    EXPECT_TRUE(rebuilt.contains("  Generating linker script\n    Linking app.elf\n"))
+        << rebuilt.toStdString();
+    EXPECT_FALSE(rebuilt.contains("Compiling")) << rebuilt.toStdString();
+    EXPECT_TRUE(work.read("app/versatilepb/Debug/app.ld").contains("__STACKSIZE__ = 2048;"));
+    EXPECT_TRUE(runFirmware(configuration, versatilepb).endsWith(closingLines));
 }
