@@ -43,8 +43,8 @@ public:
     void invalidateLoadFileSections();
 
     /// The longest image `makeContiguous` makes: larger than any flash we program, and
-    /// small enough that a file of sparse records can't ask for gigabytes.
-    static constexpr unsigned int maxContiguousLength = 256u << 20;
+    /// small enough that a few sparse records can't make the program hold hundreds of MB.
+    static constexpr unsigned int maxContiguousLength = 64u << 20;
 
 protected:
     LoadFileSections sections;

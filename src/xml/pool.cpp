@@ -45,7 +45,8 @@ void *Pool::allocate(unsigned int size)
         blockSize = newSize;
         used = 0;
     }
-    void *result = blocks->data + used;
+    // Addressed from the block itself: the bytes lie beyond the declared size of `data`.
+    void *result = reinterpret_cast<char *>(blocks) + offsetof(Block, data) + used;
     used += size;
     return result;
 }

@@ -66,7 +66,7 @@ TEST_F(TidefileTest, ReaderErrorsLeaveTheOutputAlone)
         {"missing.hex", "tidefile: missing.hex: cannot open missing.hex\n"},
         {"dir.hex", "tidefile: dir.hex: cannot open dir.hex\n"},
         {"far.hex", "tidefile: far.hex: contiguous image of 4294967296 bytes is larger than "
-                    "the limit of 268435456 bytes\n"},
+                    "the limit of 67108864 bytes\n"},
         {"app.elf", "tidefile: cannot tell the type of app.elf; give -type\n"},
     };
     for (const auto &[file, message] : failures) {

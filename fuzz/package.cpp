@@ -1,0 +1,6 @@
+#include "targets/fuzzentries.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    return fuzzPackage(data, size);
+}
