@@ -12,7 +12,7 @@ shift || true
 
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DTIDEMAKE_TESTS=OFF -DTIDEMAKE_FUZZ=ON >/dev/null
-cmake --build build-fuzz --target fuzzers >/dev/null
+cmake --build build-fuzz --target fuzzers -j "$(nproc)" >/dev/null
 
 if [ $# -gt 0 ]; then
   targets=("$@")
