@@ -12,10 +12,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
-#include <utility>
 
 const char loadUsage[] = "tidefile load [-type TYPE] [-address ADDRESS] FILE\n"
                          "tidefile load [-type TYPE] [-address ADDRESS] [-fill BYTE] -o OUT FILE";
@@ -34,31 +32,11 @@ struct LoadRequest
 
 LoadRequest parseArguments(const QStringList &arguments)
 {
-    const std::pair<const char *, QString LoadRequest::*> options[] = {
-        {"-type", &LoadRequest::type},
-        {"-address", &LoadRequest::address},
-        {"-fill", &LoadRequest::fill},
-        {"-o", &LoadRequest::output},
-    };
     LoadRequest request;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString &argument = arguments.at(i);
-        const auto option = std::find_if(std::begin(options), std::end(options),
-                                         [&](const auto &o) { return argument == o.first; });
-        if (option != std::end(options)) {
-            if (i + 1 == arguments.size())
-                throw UsageError{argument + QStringLiteral(" needs a value")};
-            request.*option->second = arguments.at(++i);
-        } else if (argument.size() > 1 && argument.startsWith('-')) {
-            throw UsageError{QStringLiteral("unknown option ") + argument};
-        } else if (!request.file.isNull()) {
-            throw UsageError{QStringLiteral("one file at a time")};
-        } else {
-            request.file = argument;
-        }
-    }
-    if (request.file.isNull())
-        throw UsageError{QStringLiteral("no file given")};
+    request.file = readVerbArguments(arguments, {{"-type", &request.type},
+                                                 {"-address", &request.address},
+                                                 {"-fill", &request.fill},
+                                                 {"-o", &request.output}});
     if (!request.fill.isNull() && request.output.isNull())
         throw UsageError{QStringLiteral("-fill goes with -o")};
     return request;

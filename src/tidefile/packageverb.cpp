@@ -32,22 +32,7 @@ struct PackageRequest
 PackageRequest parseArguments(const QStringList &arguments)
 {
     PackageRequest request;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString &argument = arguments.at(i);
-        if (argument == QLatin1String("-x")) {
-            if (i + 1 == arguments.size())
-                throw UsageError{QStringLiteral("-x needs a value")};
-            request.directory = arguments.at(++i);
-        } else if (argument.size() > 1 && argument.startsWith('-')) {
-            throw UsageError{QStringLiteral("unknown option ") + argument};
-        } else if (!request.file.isNull()) {
-            throw UsageError{QStringLiteral("one file at a time")};
-        } else {
-            request.file = argument;
-        }
-    }
-    if (request.file.isNull())
-        throw UsageError{QStringLiteral("no file given")};
+    request.file = readVerbArguments(arguments, {{"-x", &request.directory}});
     return request;
 }
 
