@@ -1,6 +1,6 @@
 #pragma once
 
-#include "project/projectelement.h"
+#include "projecttesting.h"
 
 #include <QString>
 
@@ -18,3 +18,19 @@ inline QString outline(ProjectElement *element, int depth = 0)
         text += outline(child, depth + 1);
     return text;
 }
+
+/// Solutions loaded from the scratch directory, their projects compared as outlines.
+class OutlineTest : public ProjectTest
+{
+protected:
+    /// Loads a solution of `body` written to "s.hdp"; returns its root.
+    E *load(const QByteArray &body)
+    {
+        return system.loadSolution(scratch.write("s.hdp", solutionText(body)), nullptr);
+    }
+    /// The outline of the root solution's project `name`.
+    QString project(const QString &name)
+    {
+        return outline(system.solutionProjects(nullptr).value(name));
+    }
+};

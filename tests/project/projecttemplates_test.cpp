@@ -1,5 +1,4 @@
 #include "projectoutline.h"
-#include "projecttesting.h"
 
 #include "macros/macrosystem.h"
 #include "project/propertyvaluegroups.h"
@@ -10,9 +9,8 @@ namespace {
 using E = ProjectElement;
 
 /// What templates ask of the build side: the groups file setting, with the global macros.
-class GroupsFileSetting : public SettingExpander
+struct GroupsFileSetting : SettingExpander
 {
-public:
     QString settingForExpanded(E *element, const PropertyClass *propertyClass,
                                const QString &configuration) override
     {
@@ -71,7 +69,7 @@ const QByteArray groups = R"x(<groups><group name="board" default="small">
 )x";
 
 /// Solutions naming templates of a file written into `$(BenchDir)/targets`.
-class TemplatesTest : public ProjectTest
+class TemplatesTest : public OutlineTest
 {
 protected:
     TemplatesTest()
@@ -87,37 +85,24 @@ protected:
         macroSystem.setSystemMacro("BenchDir", QString());
         propertyValueGroups.setGroupFile("None");
     }
-    E *load(const QByteArray &body)
-    {
-        return system.loadSolution(scratch.write("s.hdp", solutionText(body)), nullptr);
-    }
-    QString project(const QString &name)
-    {
-        return outline(system.solutionProjects(nullptr).value(name));
-    }
 
     GroupsFileSetting expander;
 };
 
 TEST_F(TemplatesTest, ALoadEndsOnATemplateThatCantBeFound)
 {
-    const std::pair<const char *, QByteArray> files[] = {
-        {"not XML", "<kit><project template_name=\"T\">"},
-        {"no root", "<!-- nothing -->"},
-        {"a loop of two million elements",
-         "<kit><for index=\"i\" start=\"0\" end=\"1000000\" incr=\"1\">"
-         "<project template_name=\"T\"/><a/></for></kit>"},
-        {"no file", {}}};
-    for (const auto &[what, text] : files) {
+    // Not XML, no root element, and no file at all.
+    const QByteArray files[] = {"<kit><project template_name=\"T\">", "<!-- none -->", {}};
+    for (const QByteArray &text : files) {
         if (text.isNull())
             QFile::remove(scratch.file("targets/project_templates.xml"));
         else
             scratch.write("targets/project_templates.xml", text);
-        const auto error = loadError(scratch.write("s.hdp", solutionText(R"x(<project Name="P"
-            template_name="T"/>)x")));
-        ASSERT_TRUE(error) << what;
-        EXPECT_EQ(error->fileName + error->message, "T project template not found") << what;
-        EXPECT_FALSE(system.haveSolution()) << what;
+        const auto error = loadError(
+            scratch.write("s.hdp", solutionText("<project Name=\"P\" template_name=\"T\"/>")));
+        ASSERT_TRUE(error) << text.left(20).data();
+        EXPECT_EQ(error->fileName + error->message, "T project template not found");
+        EXPECT_FALSE(system.haveSolution());
     }
 }
 
@@ -131,25 +116,25 @@ TEST_F(TemplatesTest, ItemsFillTheProjectAndTheSolutionFileWins)
 <project Name="Properties" template_name="Properties">
   <configuration Name="Common" c_preprocessor_definitions="MINE"/></project>
 )x");
-    EXPECT_EQ(project("Folders"), "project Folders\n"
-                                  "  configuration Common project_type=Executable\n"
-                                  "  folder Kept\n"
-                                  "    configuration Common filter=h\n"
-                                  "  folder Given\n"
-                                  "    configuration Common filter=s\n"
-                                  "  folder Src\n"
-                                  "    configuration Common filter=c\n"
-                                  "    folder Deep\n");
-    // A name is expanded with the build macros unless "expand" says no, and a name that keeps
-    // its "$" is stored as it stands; a file with a source adds nothing.
-    EXPECT_EQ(project("Files"), "project Files\n"
-                                "  file listed.c file_name=listed.c\n"
-                                "    configuration Common c_preprocessor_definitions=T\n"
-                                "  configuration Common project_type=\n"
-                                "  file x.c file_name=x.c\n"
-                                "  file raw.s file_name=$(BenchDir)/raw.s\n");
-    // A group choice that isn't an entry stores the default entry's values.
-    EXPECT_EQ(project("Properties"),
+    // A file name is expanded with the build macros unless "expand" says no, and a name that
+    // keeps its "$" is stored as it stands; a file with a source adds nothing. A group choice
+    // that isn't an entry stores the default entry's values.
+    EXPECT_EQ(project("Folders") + project("Files") + project("Properties"),
+              "project Folders\n"
+              "  configuration Common project_type=Executable\n"
+              "  folder Kept\n"
+              "    configuration Common filter=h\n"
+              "  folder Given\n"
+              "    configuration Common filter=s\n"
+              "  folder Src\n"
+              "    configuration Common filter=c\n"
+              "    folder Deep\n"
+              "project Files\n"
+              "  file listed.c file_name=listed.c\n"
+              "    configuration Common c_preprocessor_definitions=T\n"
+              "  configuration Common project_type=\n"
+              "  file x.c file_name=x.c\n"
+              "  file raw.s file_name=$(BenchDir)/raw.s\n"
               "project Properties\n"
               "  configuration Common board=big build_intermediate_directory=$(BenchDir) "
               "build_output_directory=" +
@@ -179,10 +164,10 @@ TEST_F(TemplatesTest, ConfigurationsComeFromDefinitionsAndInheritedOnesEndOnACyc
                               "inherited_configurations=Board;Cycle;Missing\n"
                               "configuration Board arm_core_type=ARM9 hidden=Yes\n"
                               "configuration Cycle inherited_configurations=Board Debug\n");
-    EXPECT_EQ(project("P"), "project P\n  configuration Common project_type=\n");
-    EXPECT_EQ(project("Q(Inner)"), "project Q\n"
-                                   "  configuration Common project_type=\n"
-                                   "  configuration Board Debug build_output_directory=out\n");
+    EXPECT_EQ(project("P") + project("Q(Inner)"),
+              "project P\n  configuration Common project_type=\n"
+              "project Q\n  configuration Common project_type=\n"
+              "  configuration Board Debug build_output_directory=out\n");
     E *inner = system.solutionSolutions().value("Inner");
     EXPECT_EQ(inner->getConfigurationElement("Board Debug")->attribute("build_output_directory"),
               "mine");
