@@ -2,6 +2,8 @@
 
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
+#include "project/propertyvaluegroupfile.h"
+#include "project/propertyvaluegroups.h"
 #include "project/settingexpander.h"
 #include "properties/propertyclass.h"
 #include "properties/propertyvalue.h"
@@ -116,8 +118,13 @@ bool SolutionWarnings::isPropertyGroup(ProjectElement *owner, const QString &con
         auto names = m_groupNames.find(key);
         if (names == m_groupNames.end()) {
             names = m_groupNames.insert(key, {});
+            // Asking makes the owner's group file current; the build must find the one it
+            // would have found without the check.
+            const PropertyValueGroupFile *current = propertyValueGroups.currentFile();
+            const QString currentPath = current ? current->path() : QStringLiteral("None");
             const std::unique_ptr<PropertyValueList> values(
                 m_system->applicableSettingsFor(groupOwner, configuration));
+            propertyValueGroups.setGroupFile(currentPath);
             for (const PropertyValue *value : std::as_const(*values)) {
                 if (value->propertyClass())
                     names->insert(value->propertyClass()->saveName());

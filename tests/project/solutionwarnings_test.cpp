@@ -1,3 +1,4 @@
+#include "project/propertyvaluegroups.h"
 #include "project/solutionwarningstesting.h"
 
 namespace {
@@ -20,17 +21,28 @@ TEST_F(SolutionWarningsTest, OneWarningPerKindNamingTheElement)
         {R"(<project Name="app"><configuration Name="Common" project_dependencies="lib;utl"/></project>
             <project Name="lib"/>)",
          R"(warning: FILE: project "app", configuration "Common": project_dependencies names "utl", which is no project)"},
+        // A property group of the project's group file is a setting too.
+        {R"_(<project Name="app"><configuration Name="Common" project_type="Executable"
+              property_groups_file_path="$(SolutionDir)/groups.xml" cpu_type="fast"
+              cpu_typo="fast"/></project>)_",
+         R"(warning: FILE: project "app", configuration "Common": "cpu_typo" is not a setting)"},
         {R"(<project Name="app"><fille Name="x.c" file_name="x.c"/></project>)",
          R"(warning: FILE: project "app": element <fille> is not understood and is skipped)"},
         {R"_(<configuration Name="Debug" arm_core_type="$(Core)" hidden="Yes"
               inherited_configurations="Common"/><configuration Name="Release" junk=""/>)_",
          R"(warning: FILE: configuration "Release": "junk" is not a setting)"},
     };
+    scratch.write("groups.xml", "<!DOCTYPE Property_Groups>\n<propertyGroups><group "
+                                "name=\"cpu_type\"><groupEntry name=\"fast\"/></group>"
+                                "</propertyGroups>\n");
+    const PropertyValueGroupFile *groupFileInUse = propertyValueGroups.currentFile();
     for (const WarningCase &example : cases) {
         const QString path = scratch.write("s.hdp", solutionText(example.body));
         EXPECT_EQ(warningsOf(path), QStringList{QString::fromUtf8(example.warning)})
             << example.body;
     }
+    // Reading a group file for the check leaves the build the one it would have used.
+    EXPECT_EQ(propertyValueGroups.currentFile(), groupFileInUse);
 }
 
 TEST_F(SolutionWarningsTest, ThousandsOfUnknownAttributesStayWithinTheCap)
@@ -51,7 +63,8 @@ TEST_F(SolutionWarningsTest, TheExamplesAndTheKitsTemplatesGiveNone)
     const QStringList solutions = examples.entryList({QStringLiteral("*.hdp")}, QDir::Files);
     ASSERT_FALSE(solutions.isEmpty());
     for (const QString &solution : solutions)
-        EXPECT_EQ(warningsOf(examples.absoluteFilePath(solution)), QStringList()) << solution.toStdString();
+        EXPECT_EQ(warningsOf(examples.absoluteFilePath(solution)), QStringList())
+            << solution.toStdString();
 }
 
 TEST(SolutionWarningsRun, WarningsGoToStandardErrorAndChangeNothingElse)
