@@ -7,59 +7,68 @@
 #include <QThread>
 
 #include <csignal>
-#include <tuple>
 
-namespace {
-
-/// A compiler that writes half of the file after "-o", names that file in $MARK and sleeps;
-/// with $STUBBORN set it ignores SIGTERM.
-const QByteArray slowCompiler = R"(#!/bin/sh
-[ -n "$STUBBORN" ] && trap '' TERM
-for arg in "$@"; do [ "$prev" = -o ] && out=$arg; prev=$arg; done
-printf half > "$out" && echo "$out" > "$MARK.new" && mv "$MARK.new" "$MARK"
-exec sleep 60
-)";
-
-} // namespace
-
-// A one-file application whose compiler hangs is signalled once the compiler has written half
-// its output.
-TEST(Interrupt, StopsTheToolRemovesItsOutputAndExitsWithTheSignal)
+// An application of two files whose compiler writes half its output, adds that file's name to
+// $MARKS and hangs; with $STUBBORN set it ignores SIGTERM. The build is signalled once every
+// compiler it runs at once has written.
+TEST(Interrupt, StopsEveryRunningToolRemovesWhatEachWasMakingAndExitsWithTheSignal)
 {
     ScratchDir work;
     ScratchDir settings;
-    const QString cc1 = work.write("bench/gcc/bin/cc1", slowCompiler);
+    const QString cc1 = work.write("bench/gcc/bin/cc1", R"(#!/bin/sh
+[ -n "$STUBBORN" ] && trap '' TERM
+for arg in "$@"; do [ "$prev" = -o ] && out=$arg; prev=$arg; done
+printf half > "$out" && echo "$out" >> "$MARKS"
+exec sleep 60
+)");
     QFile::setPermissions(cc1, QFile::permissions(cc1) | QFileDevice::ExeOwner);
     work.write("s.hdp", solutionText("<configuration Name=\"Debug\"/><project Name=\"App\">"
                                      "<configuration Name=\"Common\" project_type=\"Executable\"/>"
-                                     "<file Name=\"main.c\" file_name=\"main.c\"/></project>"));
-    work.write("main.c", "int main(void) { return 0; }\n");
+                                     "<file Name=\"a.c\" file_name=\"a.c\"/>"
+                                     "<file Name=\"b.c\" file_name=\"b.c\"/></project>"));
+    work.write("a.c", "int a;\n");
+    work.write("b.c", "int b;\n");
 
     // The status is that of the first signal; a second one kills a tool that ignored the first.
-    const QList<std::tuple<QList<int>, QString, int>> cases = {
-        {{SIGINT}, "", 130}, {{SIGTERM}, "", 143}, {{SIGTERM, SIGINT}, "1", 143}};
-    for (const auto &[sent, stubborn, status] : cases) {
-        QFile::remove(work.file("mark"));
+    struct Case
+    {
+        QString jobs;
+        QList<int> sent;
+        QString stubborn;
+        int status;
+    };
+    const Case cases[] = {{"1", {SIGINT}, "", 130},
+                          {"1", {SIGTERM}, "", 143},
+                          {"1", {SIGTERM, SIGINT}, "1", 143},
+                          {"2", {SIGINT, SIGTERM}, "1", 130}};
+    for (const Case &c : cases) {
+        QFile::remove(work.file("marks"));
         const std::unique_ptr<QProcess> process = startTidemake(
-            {"-config", "Debug", "-BenchDir", work.file("bench"), "s.hdp"}, work.path(),
-            settings.path(), {"MARK=" + work.file("mark"), "STUBBORN=" + stubborn});
+            {"-j", c.jobs, "-config", "Debug", "-BenchDir", work.file("bench"), "s.hdp"},
+            work.path(), settings.path(),
+            {"MARKS=" + work.file("marks"), "STUBBORN=" + c.stubborn});
         QElapsedTimer timer;
         timer.start();
-        while (!QFile::exists(work.file("mark")) && timer.elapsed() < 20000)
+        QStringList halfOutputs;
+        while (halfOutputs.size() < c.jobs.toInt() && timer.elapsed() < 20000) {
             QThread::msleep(20);
-        const QString halfOutput = QString::fromLocal8Bit(work.read("mark")).trimmed();
-        ASSERT_TRUE(QFile::exists(halfOutput)) << status;
-        for (const int signal : sent) {
+            halfOutputs =
+                QString::fromLocal8Bit(work.read("marks")).split('\n', Qt::SkipEmptyParts);
+        }
+        ASSERT_EQ(halfOutputs.size(), c.jobs.toInt()) << c.status;
+        for (const int signal : c.sent) {
             ::kill(pid_t(process->processId()), signal);
             QThread::msleep(200);
         }
-        ASSERT_TRUE(process->waitForFinished(20000)) << status;
-        EXPECT_EQ(process->exitCode(), status);
-        // Nothing runs after the compiler, and its end by signal is not reported as a failure.
-        EXPECT_EQ(QString::fromLatin1(process->readAllStandardOutput()),
-                  "  Building \"App\" in configuration \"Debug\"\n"
-                  "    Compiling main.c\n"
-                  "interrupted\n");
-        EXPECT_FALSE(QFile::exists(halfOutput)) << status;
+        ASSERT_TRUE(process->waitForFinished(20000)) << c.status;
+        EXPECT_EQ(process->exitCode(), c.status);
+        // Nothing runs after the compilers, and their end by signal is not reported as a failure.
+        const QString out = QString::fromLatin1(process->readAllStandardOutput());
+        const QStringList compiling = out.split('\n').filter("    Compiling ");
+        EXPECT_EQ(compiling.size(), halfOutputs.size());
+        EXPECT_EQ(out, "  Building \"App\" in configuration \"Debug\"\n" + compiling.join('\n') +
+                           "\ninterrupted\n");
+        for (const QString &half : halfOutputs)
+            EXPECT_FALSE(QFile::exists(half)) << half.toStdString();
     }
 }
