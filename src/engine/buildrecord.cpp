@@ -79,7 +79,9 @@ void BuildRecord::set(const QString &output, const BuildSignature &signature)
 
 void BuildRecord::remove(const QString &output)
 {
-    if (m_entries.remove(output))
+    // Without a record file, one must now be written: a failed first build may have left an
+    // output behind that its time alone would take as current.
+    if (m_entries.remove(output) || !m_present)
         m_changed = true;
 }
 

@@ -36,7 +36,8 @@ public:
     const BuildSignature *find(const QString &output) const;
     /// Keeps `signature` for `output`.
     void set(const QString &output, const BuildSignature &signature);
-    /// Forgets `output`: its last command failed or was interrupted.
+    /// Forgets `output`: its last command failed or was interrupted. The record then counts
+    /// as changed, even when it was absent, so that the file says so.
     void remove(const QString &output);
     /// Whether the record differs from the file it was loaded from.
     bool changed() const { return m_changed; }
