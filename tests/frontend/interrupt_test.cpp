@@ -7,6 +7,7 @@
 #include <QThread>
 
 #include <csignal>
+#include <tuple>
 
 // An application of two files whose compiler writes half its output, adds that file's name to
 // $MARKS and hangs; with $STUBBORN set it ignores SIGTERM. The build is signalled once every
@@ -30,38 +31,32 @@ exec sleep 60
     work.write("b.c", "int b;\n");
 
     // The status is that of the first signal; a second one kills a tool that ignored the first.
-    struct Case
-    {
-        QString jobs;
-        QList<int> sent;
-        QString stubborn;
-        int status;
-    };
-    const Case cases[] = {{"1", {SIGINT}, "", 130},
-                          {"1", {SIGTERM}, "", 143},
-                          {"1", {SIGTERM, SIGINT}, "1", 143},
-                          {"2", {SIGINT, SIGTERM}, "1", 130}};
-    for (const Case &c : cases) {
+    // By case: the commands at once, the signals, $STUBBORN and the status.
+    const QList<std::tuple<QString, QList<int>, QString, int>> cases = {
+        {"1", {SIGINT}, "", 130},
+        {"1", {SIGTERM}, "", 143},
+        {"1", {SIGTERM, SIGINT}, "1", 143},
+        {"2", {SIGINT, SIGTERM}, "1", 130}};
+    for (const auto &[jobs, sent, stubborn, status] : cases) {
         QFile::remove(work.file("marks"));
         const std::unique_ptr<QProcess> process = startTidemake(
-            {"-j", c.jobs, "-config", "Debug", "-BenchDir", work.file("bench"), "s.hdp"},
-            work.path(), settings.path(),
-            {"MARKS=" + work.file("marks"), "STUBBORN=" + c.stubborn});
+            {"-j", jobs, "-config", "Debug", "-BenchDir", work.file("bench"), "s.hdp"}, work.path(),
+            settings.path(), {"MARKS=" + work.file("marks"), "STUBBORN=" + stubborn});
         QElapsedTimer timer;
         timer.start();
         QStringList halfOutputs;
-        while (halfOutputs.size() < c.jobs.toInt() && timer.elapsed() < 20000) {
+        while (halfOutputs.size() < jobs.toInt() && timer.elapsed() < 20000) {
             QThread::msleep(20);
             halfOutputs =
                 QString::fromLocal8Bit(work.read("marks")).split('\n', Qt::SkipEmptyParts);
         }
-        ASSERT_EQ(halfOutputs.size(), c.jobs.toInt()) << c.status;
-        for (const int signal : c.sent) {
+        ASSERT_EQ(halfOutputs.size(), jobs.toInt()) << status;
+        for (const int signal : sent) {
             ::kill(pid_t(process->processId()), signal);
             QThread::msleep(200);
         }
-        ASSERT_TRUE(process->waitForFinished(20000)) << c.status;
-        EXPECT_EQ(process->exitCode(), c.status);
+        ASSERT_TRUE(process->waitForFinished(20000)) << status;
+        EXPECT_EQ(process->exitCode(), status);
         // Nothing runs after the compilers, and their end by signal is not reported as a failure.
         const QString out = QString::fromLatin1(process->readAllStandardOutput());
         const QStringList compiling = out.split('\n').filter("    Compiling ");
