@@ -6,12 +6,10 @@
 
 namespace {
 
-using E = ProjectElement;
-
 /// What templates ask of the build side: the groups file setting, with the global macros.
 struct GroupsFileSetting : SettingExpander
 {
-    QString settingForExpanded(E *element, const PropertyClass *propertyClass,
+    QString settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,
                                const QString &configuration) override
     {
         return macroSystem.replaceMacros(
