@@ -9,43 +9,39 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <utility>
+
 namespace {
 
-const QByteArray memoryMap = "<!DOCTYPE Board_Memory_Definition_File>\n"
-                             "<Root name=\"B\">\n"
-                             "  <MemorySegment name=\"RAM\" start=\"0x0\" size=\"0x10000\"/>\n"
-                             "</Root>\n";
-QByteArray placement(const char *section)
+const QByteArray memoryMap = R"(<!DOCTYPE Board_Memory_Definition_File>
+<Root name="B"><MemorySegment name="RAM" start="0x0" size="0x10000"/></Root>
+)";
+QByteArray placement(const QByteArray &section)
 {
-    return QByteArray("<!DOCTYPE Linker_Placement_File>\n<Root name=\"B\">\n"
-                      "  <MemorySegment name=\"RAM\">\n"
-                      "    <ProgramSection name=\"") +
-           section +
-           "\" load=\"Yes\"/>\n"
-           "    <ProgramSection name=\".stack\" size=\"__STACKSIZE__\"/>\n"
-           "  </MemorySegment>\n</Root>\n";
+    return R"(<!DOCTYPE Linker_Placement_File>
+<Root name="B"><MemorySegment name="RAM">
+  <ProgramSection name=")" +
+           section + R"(" load="Yes"/><ProgramSection name=".stack" size="__STACKSIZE__"/>
+</MemorySegment></Root>
+)";
 }
 
 /// An application on a library, built by the program with a fake tool chain, its linker script
 /// written from a memory map and a section placement; `appSettings` go on the application.
 QByteArray solution(const QByteArray &appSettings = "", const QByteArray &libFiles = "")
 {
-    return solutionText("  <configuration Name=\"Debug\"/>\n"
-                        "  <project Name=\"app\">\n"
-                        "    <configuration Name=\"Common\" project_directory=\"app\""
-                        " project_type=\"Executable\" project_dependencies=\"lib\""
-                        " linker_memory_map_file=\"map.xml\""
-                        " linker_section_placement_file=\"placement.xml\" " +
-                        appSettings +
-                        "/>\n"
-                        "    <file file_name=\"main.c\"/>\n"
-                        "    <file file_name=\"util.c\"/>\n"
-                        "  </project>\n"
-                        "  <project Name=\"lib\">\n"
-                        "    <configuration Name=\"Common\" project_directory=\"lib\""
-                        " project_type=\"Library\"/>\n"
-                        "    <file file_name=\"a.c\"/>\n" +
-                        libFiles + "  </project>\n");
+    return solutionText(R"(<configuration Name="Debug"/>
+<project Name="app">
+  <configuration Name="Common" project_directory="app" project_type="Executable"
+    project_dependencies="lib" linker_memory_map_file="map.xml"
+    linker_section_placement_file="placement.xml" )" +
+                        appSettings + R"(/>
+  <file file_name="main.c"/><file file_name="util.c"/>
+</project>
+<project Name="lib">
+  <configuration Name="Common" project_directory="lib" project_type="Library"/>
+  <file file_name="a.c"/>)" +
+                        libFiles + "</project>\n");
 }
 
 class Incremental : public ::testing::Test
@@ -106,34 +102,22 @@ TEST_F(Incremental, EachKindOfChangeRebuildsWhatItReaches)
     EXPECT_EQ(all.size(), 5) << all.join(", ").toStdString();
     EXPECT_EQ(build(), QStringList{});
 
-    struct Case
-    {
-        const char *what;
-        QByteArray appSettings;
-        QStringList rebuilt;
-    };
-    const Case cases[] = {
-        {"a definition",
-         "c_preprocessor_definitions=\"DEBUG\"",
-         {"as main.o", "as util.o", "ld app.elf"}},
-        {"an include directory",
-         "c_user_include_directories=\"inc\"",
-         {"as main.o", "as util.o", "ld app.elf"}},
-        {"the optimisation level",
-         "gcc_optimization_level=\"Level 2\"",
-         {"as main.o", "as util.o", "ld app.elf"}},
-        {"the stack size", "arm_linker_stack_size=\"2048\"", {"ld app.elf"}},
+    const QStringList compiled = {"as main.o", "as util.o", "ld app.elf"};
+    const std::pair<QByteArray, QStringList> cases[] = {
+        {"c_preprocessor_definitions=\"DEBUG\"", compiled},
+        {"c_user_include_directories=\"inc\"", compiled},
+        {"gcc_optimization_level=\"Level 2\"", compiled},
+        {"arm_linker_stack_size=\"2048\"", {"ld app.elf"}},
     };
     // Each change comes on top of the ones before.
     QByteArray settings;
-    for (const Case &c : cases) {
-        settings += " " + c.appSettings;
+    for (const auto &[setting, rebuilt] : cases) {
+        settings += " " + setting;
         work.write("s.hdp", solution(settings));
-        QStringList ran = build(), expected = c.rebuilt;
+        QStringList ran = build();
         ran.sort();
-        expected.sort();
-        EXPECT_EQ(ran, expected) << c.what;
-        EXPECT_EQ(build(), QStringList{}) << c.what;
+        EXPECT_EQ(ran, rebuilt) << setting.data();
+        EXPECT_EQ(build(), QStringList{}) << setting.data();
     }
     EXPECT_TRUE(script().contains("__STACKSIZE__ = 2048;")) << script().toStdString();
 
@@ -172,7 +156,7 @@ TEST_F(Incremental, TheLinkerScriptFollowsItsInputs)
 TEST_F(Incremental, AddingOrRemovingAFileRebuildsTheLibrary)
 {
     build();
-    work.write("s.hdp", solution("", "    <file file_name=\"b.c\"/>\n"));
+    work.write("s.hdp", solution("", "<file file_name=\"b.c\"/>"));
     EXPECT_EQ(build(), (QStringList{"as b.o", "ar lib.a", "ld app.elf"}));
     work.write("s.hdp", solution());
     EXPECT_EQ(build(), (QStringList{"ar lib.a", "ld app.elf"}));

@@ -40,10 +40,7 @@ public:
         events << QStringLiteral("outputs ") + files.join(QLatin1Char(';'));
         makeDirectories(files);
     }
-    void setTemporaryFiles(const QStringList &files) override
-    {
-        makeDirectories(files);
-    }
+    void setTemporaryFiles(const QStringList &files) override { makeDirectories(files); }
     void doit() override
     {
         events << QStringLiteral("doit");
@@ -59,15 +56,15 @@ public:
             errors << commandLine(command) << out << err;
         }
     }
-    void error(const QString &text) override { report(QStringLiteral("error: "), text, errors); }
-    void note(const QString &text) override { report(QStringLiteral("note: "), text, notes); }
+    void error(const QString &text) override { report(QStringLiteral("error: "), text, &errors); }
+    void note(const QString &text) override { report(QStringLiteral("note: "), text, nullptr); }
     void success(const QString &text) override
     {
-        report(QStringLiteral("success: "), text, successes);
+        report(QStringLiteral("success: "), text, nullptr);
     }
     void message(const QString &text) override
     {
-        report(QStringLiteral("message: "), text, messages);
+        report(QStringLiteral("message: "), text, &messages);
     }
 
     /// The events since the last call, which forgets them.
@@ -83,30 +80,27 @@ public:
         events.clear();
         commands.clear();
         errors.clear();
-        notes.clear();
-        successes.clear();
         messages.clear();
     }
 
     bool run;
     bool failing = false;         ///< every command fails, as far as the build system can tell
     bool reportsInEvents = false; ///< reports join the events as "error: T", "note: T"…
-    QString failOn;       ///< commands whose program ends in this fail
+    QString failOn;               ///< commands whose program ends in this fail
     QString directory;
     QStringList command;
     QStringList events;   ///< every call in order: "group T", "end", "init", "command C"…
     QStringList commands; ///< each command run, as one display line
     QStringList errors;
-    QStringList notes;
-    QStringList successes;
     QStringList messages;
 
 private:
-    void report(const QString &kind, const QString &text, QStringList &list)
+    void report(const QString &kind, const QString &text, QStringList *list)
     {
         if (reportsInEvents)
             events << kind + text;
-        list << text;
+        if (list)
+            *list << text;
     }
     void makeDirectories(const QStringList &files)
     {
