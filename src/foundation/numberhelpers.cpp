@@ -123,3 +123,14 @@ QString qCommaize(unsigned long value)
         text.insert(at, QLatin1Char(','));
     return text;
 }
+
+int hexDigitValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}

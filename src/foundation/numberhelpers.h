@@ -17,6 +17,8 @@ double fromStringToDouble(const char *text);
 /// `value` printed with the printf `format`, or "NaN" or "Inf"; the text lives in
 /// a static buffer until the next call.
 const char *toStringFromDouble(double value, const char *format);
+/// The value of the hexadecimal digit `c` (either case), or -1 when it is none.
+int hexDigitValue(char c);
 /// `value` with bit `bit` copied into every bit above it.
 unsigned long long signExtend(unsigned int bit, unsigned long long value);
 /// `value` in decimal with "," between groups of three digits.

@@ -1,6 +1,7 @@
 #include "loadfile/textloadfile.h"
 
 #include "foundation/hexception.h"
+#include "foundation/numberhelpers.h"
 #include "loadfile/loadfilestream.h"
 
 #include <cstring>
@@ -9,17 +10,6 @@
 #include <vector>
 
 namespace {
-
-int hexDigit(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
 
 std::string onLine(const std::string &text, int line)
 {
@@ -32,8 +22,8 @@ unsigned char getAsciiHexByte(const char *&cursor, unsigned char *sum)
 {
     // The second digit is looked at only if the first is one, so a line's terminating
     // zero is never stepped over.
-    const int high = hexDigit(cursor[0]);
-    const int low = high < 0 ? -1 : hexDigit(cursor[1]);
+    const int high = hexDigitValue(cursor[0]);
+    const int low = high < 0 ? -1 : hexDigitValue(cursor[1]);
     if (low < 0)
         throw HException("invalid ASCII encoded byte");
     cursor += 2;

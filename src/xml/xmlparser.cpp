@@ -1,5 +1,7 @@
 #include "xml/xmlparser.h"
 
+#include "foundation/numberhelpers.h"
+
 #include "xml/xmlcdatasection.h"
 #include "xml/xmlchars.h"
 #include "xml/xmlcomment.h"
@@ -10,17 +12,6 @@
 #include <cstring>
 
 namespace {
-
-int hexValue(char c)
-{
-    if (isXMLDigit(c))
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
 
 // Decodes the reference at `amp` (an "&") if it is one that ends before `end`.
 // Returns the number of input bytes it covers, or 0 if it isn't a known reference.
@@ -46,7 +37,7 @@ unsigned int decodeReference(const char *amp, const char *end, char *out)
         ++p;
     unsigned int number = 0;
     for (; p < end; ++p) {
-        int digit = hex ? hexValue(*p) : (isXMLDigit(*p) ? *p - '0' : -1);
+        int digit = hex ? hexDigitValue(*p) : (isXMLDigit(*p) ? *p - '0' : -1);
         if (digit < 0)
             break;
         number = number * (hex ? 16 : 10) + static_cast<unsigned int>(digit);
