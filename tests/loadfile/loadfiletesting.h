@@ -6,44 +6,30 @@
 
 #include <QFile>
 
-#include <memory>
 #include <string>
 
-/// The main list of `file` as "ADDRESS+LENGTH" items in hexadecimal, one blank between.
-inline std::string layout(LoadFileInterface &file)
+/// What `file` holds: its sections as "ADDRESS:BYTES" and its entry point as "start ADDRESS",
+/// all in hexadecimal and one blank apart.
+inline std::string contents(LoadFileInterface &file)
 {
-    std::string text;
-    for (const auto &section : file.loadFileSections()->list()) {
-        text += text.empty() ? "" : " ";
-        text += QStringLiteral("%1+%2")
-                    .arg(section->address(), 0, 16)
-                    .arg(section->length(), 0, 16)
-                    .toStdString();
-    }
-    return text;
+    QStringList parts;
+    for (const auto &section : file.loadFileSections()->list())
+        parts +=
+            QString::number(section->address(), 16) + ':' +
+            QByteArray(reinterpret_cast<const char *>(section->data()), section->length()).toHex();
+    if (file.hasEntryPoint())
+        parts += "start " + QString::number(file.entryPoint(), 16);
+    return parts.join(' ').toStdString();
 }
 
-/// The bytes of `file`'s section number `index`.
-inline std::string bytesOf(LoadFileInterface &file, int index = 0)
-{
-    const auto &section = file.loadFileSections()->list().at(index);
-    return std::string(reinterpret_cast<const char *>(section->data()), section->length());
-}
-
-/// A reader of type `Reader` over a file holding `text`, kept in a scratch directory.
-template <class Reader> std::unique_ptr<Reader> readerOf(const QByteArray &text)
+/// What a `Reader` makes of a file holding `text`: its contents, or what it throws.
+template <class Reader> std::string readOf(const QByteArray &text)
 {
     ScratchDir dir;
-    return std::make_unique<Reader>(QFile::encodeName(dir.write("image", text)).constData());
-}
-
-/// What `Reader` throws for a file holding `text`, or "no error".
-template <class Reader> std::string errorOf(const QByteArray &text)
-{
     try {
-        readerOf<Reader>(text);
+        Reader file(QFile::encodeName(dir.write("image", text)).constData());
+        return contents(file);
     } catch (const HException &error) {
         return error.message();
     }
-    return "no error";
 }

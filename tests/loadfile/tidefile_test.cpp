@@ -12,12 +12,15 @@ const QByteArray usage =
     "       tidefile package FILE\n"
     "       tidefile package -x DIR FILE\n";
 
-// Bytes 01 02 at 0x100, 03 at 0x104, start at 0x100.
-const QByteArray twoRuns = "S10501000102F6\nS104010403F3\nS9030100FB\n";
-
 class TidefileTest : public ::testing::Test
 {
 protected:
+    TidefileTest()
+    {
+        // Bytes 01 02 at 0x100, 03 at 0x104, start at 0x100.
+        dir.write("app.srec", "S10501000102F6\nS104010403F3\nS9030100FB\n");
+        dir.write("raw", "abcd");
+    }
     RunResult load(const QStringList &arguments) { return runTidefile(arguments, dir.path()); }
 
     ScratchDir dir;
@@ -25,32 +28,22 @@ protected:
 
 } // namespace
 
-TEST_F(TidefileTest, SummarisesSectionsInTheReadersOrder)
+TEST_F(TidefileTest, SummarisesSectionsOrWritesTheContiguousImage)
 {
-    dir.write("app.srec", twoRuns);
     RunResult run = load({"load", "app.srec"});
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.out, "type\tsrec\nentry\t0x00000100\nsection\t0x00000100\t0x00000002\n"
-                       "section\t0x00000104\t0x00000001\ntotal\t0x00000003\n");
-    EXPECT_EQ(run.err, "");
-
-    dir.write("raw", "abcd");
-    for (const char *address : {"16", "0x10", "0b10000", "020"}) {
-        run = load({"load", "-type", "bin", "-address", address, "raw"});
-        EXPECT_EQ(run.out, "type\tbin\nsection\t0x00000010\t0x00000004\ntotal\t0x00000004\n")
+    EXPECT_EQ(run.out + run.err, "type\tsrec\nentry\t0x00000100\nsection\t0x00000100\t0x00000002\n"
+                                 "section\t0x00000104\t0x00000001\ntotal\t0x00000003\n");
+    for (const char *address : {"16", "0x10", "0b10000", "020"})
+        EXPECT_EQ(load({"load", "-type", "bin", "-address", address, "raw"}).out,
+                  "type\tbin\nsection\t0x00000010\t0x00000004\ntotal\t0x00000004\n")
             << address;
-    }
-}
 
-TEST_F(TidefileTest, WritesTheContiguousImage)
-{
-    dir.write("app.srec", twoRuns);
-    RunResult run = load({"load", "-o", "app.bin", "app.srec"});
+    run = load({"load", "-o", "app.bin", "app.srec"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.out + run.err, "");
     EXPECT_EQ(dir.read("app.bin"), QByteArray("\x01\x02\xFF\xFF\x03", 5));
-
-    run = load({"load", "-fill", "0", "-o", "app.bin", "app.srec"});
+    load({"load", "-fill", "0", "-o", "app.bin", "app.srec"});
     EXPECT_EQ(dir.read("app.bin"), QByteArray("\x01\x02\x00\x00\x03", 5));
 }
 
@@ -79,25 +72,22 @@ TEST_F(TidefileTest, ReaderErrorsLeaveTheOutputAlone)
 
 TEST_F(TidefileTest, UsageErrors)
 {
-    dir.write("app.hex", ":00000001FF\n");
-    RunResult run = load({"load", "-address", "4", "app.hex"});
-    EXPECT_EQ(run.exitCode, 2);
-    EXPECT_EQ(run.err, "tidefile: -address is for binary files only\n" + usage);
-
+    EXPECT_EQ(load({"load", "-address", "4", "app.srec"}).err,
+              "tidefile: -address is for binary files only\n" + usage);
     const QStringList wrong[] = {
         {},
-        {"unload", "app.hex"},
-        {"load", "app.hex", "other.hex"},
-        {"load", "-fill", "0", "app.hex"},
-        {"load", "-fill", "256", "-o", "x", "app.hex"},
-        {"load", "-type", "bin", "-address", "0x1g", "app.hex"},
-        {"load", "-type", "elf", "app.hex"},
+        {"load", "-address", "4", "app.srec"},
+        {"unload", "app.srec"},
+        {"load", "app.srec", "raw"},
+        {"load", "-fill", "0", "app.srec"},
+        {"load", "-fill", "256", "-o", "x", "app.srec"},
+        {"load", "-type", "bin", "-address", "0x1g", "raw"},
+        {"load", "-type", "elf", "app.srec"},
         {"load", "-o"},
     };
     for (const QStringList &arguments : wrong) {
-        run = load(arguments);
+        const RunResult run = load(arguments);
         EXPECT_EQ(run.exitCode, 2) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(run.err.endsWith(usage)) << run.err.toStdString();
-        EXPECT_EQ(run.out, "");
+        EXPECT_TRUE(run.out.isEmpty() && run.err.endsWith(usage)) << run.err.toStdString();
     }
 }
