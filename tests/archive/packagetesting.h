@@ -8,18 +8,10 @@
 struct RawMember
 {
     QByteArray name;
-    quint32 offset;
-    quint32 size;
+    quint32 offset, size;
     bool writable;
     quint32 time;
 };
-
-inline QByteArray littleEndian(quint32 value)
-{
-    QByteArray bytes(4, '\0');
-    qToLittleEndian(value, bytes.data());
-    return bytes;
-}
 
 /// An archive with `count` in its header, the records of `members` and `data` behind them.
 /// The bytes no reader may look at (behind a name, after the flag) are `fill`.
@@ -27,11 +19,15 @@ inline QByteArray archiveBytes(qint32 count, const QList<RawMember> &members,
                                const QByteArray &data, quint32 magic = 0x4152C3C8,
                                char fill = '\x55')
 {
-    QByteArray bytes = littleEndian(magic) + littleEndian(quint32(count));
+    const auto le = [](quint32 value) {
+        QByteArray bytes(4, '\0');
+        qToLittleEndian(value, bytes.data());
+        return bytes;
+    };
+    QByteArray bytes = le(magic) + le(quint32(count));
     for (const RawMember &m : members)
-        bytes += (m.name + '\0' + QByteArray(1023, fill)).left(1024) + littleEndian(m.offset) +
-                 littleEndian(m.size) + char(m.writable) + QByteArray(3, fill) +
-                 littleEndian(m.time);
+        bytes += (m.name + '\0' + QByteArray(1023, fill)).left(1024) + le(m.offset) + le(m.size) +
+                 char(m.writable) + QByteArray(3, fill) + le(m.time);
     return bytes + data;
 }
 
@@ -41,7 +37,7 @@ inline QByteArray packageBytes(const QByteArray &archive)
     return QByteArray("\x7A\xF4\x31\xB2\0\0\0\0", 8) + qCompress(archive);
 }
 
-/// A file that is not a whole package, and what `tidefile` says of it.
+/// A file that is not a whole package: what is wrong, its bytes, and what `tidefile` says.
 struct BadPackage
 {
     const char *what;
