@@ -11,14 +11,11 @@ namespace {
 class TidefilePackage : public ::testing::Test
 {
 protected:
-    RunResult run(const QStringList &arguments) { return runTidefile(arguments, dir.path()); }
-    /// `relative`'s size, write permission and time.
-    QString describe(const QString &relative) const
+    /// Runs tidefile with `arguments`: its exit code, ": ", and all it printed.
+    QString run(const QStringList &arguments)
     {
-        const QFileInfo info(dir.file(relative));
-        return QString::number(info.size()) +
-               (info.permissions() & QFile::WriteOwner ? " w " : " - ") +
-               QString::number(info.lastModified().toSecsSinceEpoch());
+        const RunResult result = runTidefile(arguments, dir.path());
+        return QString::number(result.exitCode) + ": " + result.out + result.err;
     }
 
     ScratchDir dir;
@@ -32,25 +29,21 @@ TEST_F(TidefilePackage, ListsAndExtractsMembersInArchiveOrder)
     dir.write("p.hdq", packageBytes(archiveBytes(
                            2, {{"z.txt", data, 5, true, 1000}, {"d/b.bin", data + 5, 5, false, 0}},
                            "alphabeta!")));
-    RunResult result = run({"package", "p.hdq"});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.out + result.err, "z.txt\t5\tw\t1000\nd/b.bin\t5\t-\t0\n");
+    EXPECT_EQ(run({"package", "p.hdq"}), "0: z.txt\t5\tw\t1000\nd/b.bin\t5\t-\t0\n");
 
     // Over a read-only earlier copy too; a member of unknown time keeps the time of writing.
     dir.write("out/d/b.bin", "old");
     QFile::setPermissions(dir.file("out/d/b.bin"), QFile::ReadOwner);
-    result = run({"package", "-x", "out", "p.hdq"});
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.out + result.err, "");
-    EXPECT_EQ(dir.read("out/z.txt") + dir.read("out/d/b.bin"), "alphabeta!");
-    EXPECT_EQ(describe("out/z.txt"), "5 w 1000");
-    EXPECT_TRUE(describe("out/d/b.bin").startsWith("5 - "))
-        << describe("out/d/b.bin").toStdString();
-    EXPECT_NE(describe("out/d/b.bin"), "5 - 0");
+    EXPECT_EQ(run({"package", "-x", "out", "p.hdq"}), "0: ");
+    const QFileInfo z(dir.file("out/z.txt")), b(dir.file("out/d/b.bin"));
+    EXPECT_EQ(dir.read("out/z.txt") + "|" + dir.read("out/d/b.bin"), "alpha|beta!");
+    EXPECT_TRUE((z.permissions() & QFile::WriteOwner) && !(b.permissions() & QFile::WriteOwner));
+    EXPECT_EQ(z.lastModified().toSecsSinceEpoch(), 1000);
+    EXPECT_NE(b.lastModified().toSecsSinceEpoch(), 0);
 
     QDir(dir.path()).mkdir("dir.hdq");
-    EXPECT_EQ(run({"package", "dir.hdq"}).err, "tidefile: dir.hdq: not a package\n");
-    EXPECT_EQ(run({"package", "none.hdq"}).err, "tidefile: none.hdq: no such file\n");
+    EXPECT_EQ(run({"package", "dir.hdq"}), "1: tidefile: dir.hdq: not a package\n");
+    EXPECT_EQ(run({"package", "none.hdq"}), "1: tidefile: none.hdq: no such file\n");
 }
 
 TEST_F(TidefilePackage, RefusesNamesThatLeadOutOfTheDirectory)
@@ -59,10 +52,9 @@ TEST_F(TidefilePackage, RefusesNamesThatLeadOutOfTheDirectory)
         dir.write("p.hdq",
                   packageBytes(archiveBytes(
                       2, {{"fine", data, 1, true, 1}, {name, data + 1, 1, true, 1}}, "xy")));
-        const RunResult result = run({"package", "-x", "out/in", "p.hdq"});
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_EQ(result.err, "tidefile: p.hdq: refusing member \"" + name +
-                                  "\": its name leads out of the directory\n");
+        EXPECT_EQ(run({"package", "-x", "out/in", "p.hdq"}),
+                  "1: tidefile: p.hdq: refusing member \"" + name +
+                      "\": its name leads out of the directory\n");
         // Checked before anything is written, the members before it included.
         EXPECT_FALSE(QFileInfo::exists(dir.file("out"))) << name.data();
     }
@@ -70,9 +62,8 @@ TEST_F(TidefilePackage, RefusesNamesThatLeadOutOfTheDirectory)
     QDir().mkpath(dir.file("out"));
     QFile::link(dir.path(), dir.file("out/link"));
     dir.write("p.hdq", packageBytes(archiveBytes(1, {{"link/planted", 1048, 1, true, 1}}, "x")));
-    const RunResult result = run({"package", "-x", "out", "p.hdq"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_TRUE(result.err.startsWith(
-        "tidefile: p.hdq: cannot make the directory of member \"link/planted\""));
+    const QString said = run({"package", "-x", "out", "p.hdq"});
+    EXPECT_TRUE(said.startsWith("1: tidefile: p.hdq: cannot make the directory of member \"link/"))
+        << said.toStdString();
     EXPECT_FALSE(QFileInfo::exists(dir.file("planted")));
 }
