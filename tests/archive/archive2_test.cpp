@@ -11,10 +11,8 @@ namespace {
 class Archive2Test : public ::testing::Test
 {
 protected:
-    std::string path(const char *name) const
-    {
-        return QFile::encodeName(dir.file(name)).toStdString();
-    }
+    /// Where `name` is in the scratch directory.
+    std::string path(const char *name) const { return dir.file(name).toStdString(); }
     /// Writes `archive` to `name`; its bytes.
     QByteArray written(Archive2 &archive, const char *name) const
     {
