@@ -6,7 +6,7 @@
 #include "project/armprojectsystem.h"
 #include "project/projectelement.h"
 #include "solutiongenerator.h"
-#include "nullbuilder.h"
+#include "support/nullbuilder.h"
 #include "support/testsupport.h"
 #include "toolchain/armbuildsystem.h"
 
