@@ -4,7 +4,6 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
-#include <link.h>
 #include <sys/stat.h>
 #include <utime.h>
 
@@ -132,65 +131,6 @@ TEST(QTxCompressTest, RoundTripsAnyContents)
     }
     EXPECT_FALSE(QTx::compressFile(scratch.file("missing"), scratch.file("out")));
     EXPECT_FALSE(QTx::isCompressedFile(scratch.file("missing")));
-}
-
-TEST(QTxLibraryTest, LoadsTheSharedObjectForADllName)
-{
-    // A copy of the zlib the toolkit has loaded stands in for any library.
-    QString zlib;
-    dl_iterate_phdr(
-        [](struct dl_phdr_info *info, size_t, void *found) {
-            const QString name = QFile::decodeName(info->dlpi_name);
-            return name.contains("/libz.so") ? (*static_cast<QString *>(found) = name, 1) : 0;
-        },
-        &zlib);
-    if (zlib.isEmpty())
-        GTEST_SKIP() << "no zlib loaded in this process";
-    ScratchDir scratch;
-    ASSERT_TRUE(QFile::copy(zlib, scratch.file("lib.so")));
-    void *handle = QTx::loadDLL(scratch.file("lib.dll"));
-    ASSERT_NE(handle, nullptr);
-    auto version = reinterpret_cast<const char *(*)()>(QTx::getDLLAddress(handle, "zlibVersion"));
-    EXPECT_NE(version(), nullptr);
-    EXPECT_EQ(QTx::getDLLAddress(handle, "no_such_symbol_here"), nullptr);
-    EXPECT_TRUE(QTx::unloadDLL(handle));
-
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(QTx::loadDLL(scratch.file("missing.dll")), nullptr);
-    const std::string error = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(error.find("missing.so") != std::string::npos && error.back() == '\n') << error;
-}
-
-TEST(QTxSearchTest, FindsLiteralTextOrExpressionsEitherWayAndExpandsCaptures)
-{
-    const QString special = "a.b*(c)[d]{e}^$+?|,:\\";
-    const QRegularExpression literal = QTx::constructSearchRegularExpression(special, true, false);
-    QString match;
-    EXPECT_EQ(QTx::search(literal, "xx" + special, 0, true, false, match), 2);
-    EXPECT_EQ(match, special);
-
-    const QRegularExpression re =
-        QTx::constructSearchRegularExpression("(W\\w+)=(\\d)", false, true);
-    QRegularExpressionMatch last;
-    ASSERT_EQ(QTx::search(re, "set width=4;", 0, true, false, match, &last), 4);
-    QString replacement = "\\2 for \\1 (\\0)";
-    QTx::expandSearchResults(last, replacement);
-    EXPECT_EQ(replacement, "4 for width (width=4)");
-
-    const QRegularExpression word = QTx::constructSearchRegularExpression("cat", true, false);
-    const QString text = "concat cat_x cat, cat";
-    // Start, forwards, whole words only, and where the match starts.
-    const std::tuple<int, bool, bool, int> cases[] = {
-        {0, true, false, 3},   {0, true, true, 13},   {14, true, true, 18},
-        {19, true, true, -1},  {21, false, true, 18}, {17, false, true, 13},
-        {12, false, false, 7}, {2, false, false, -1}, {-1, true, false, -1}};
-    for (const auto &[start, forwards, wholeWords, found] : cases)
-        EXPECT_EQ(QTx::search(word, text, start, forwards, wholeWords, match), found) << start;
-
-    const QRegularExpression optional = QTx::constructSearchRegularExpression("x*", true, true);
-    EXPECT_EQ(QTx::search(optional, "abxx", 0, true, false, match), 2)
-        << "empty matches don't count";
-    EXPECT_EQ(QTx::search(optional, "abc", 0, true, false, match), -1);
 }
 
 TEST(QTxTimeTest, FriendlyDateAndTicks)
