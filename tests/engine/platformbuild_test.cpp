@@ -177,13 +177,3 @@ TEST_F(PlatformBuild, ExternalProjectsRunTheirCommandsWhole)
     EXPECT_EQ(events().mid(2),
               (QStringList{"group Running Clean command Ext", "command \"make clean\"", "end"}));
 }
-
-TEST_F(PlatformBuild, DependenciesOfALinkForCallersOutsideTheBuild)
-{
-    loadBuilt();
-    set("App", "linker_additional_files", "x.a;;/abs/y.o");
-    QStringList list;
-    system->getDependencies(element("App"), "Debug", list);
-    EXPECT_EQ(list, (QStringList{at("Debug/a.o"), at("Debug/b.o"), at("Debug/Lib.a"), "x.a",
-                                 "/abs/y.o"}));
-}
