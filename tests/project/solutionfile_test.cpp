@@ -108,31 +108,6 @@ TEST_F(SolutionFiles, ImportsAreMungedInnermostFirst)
     projectSystem = &system;
 }
 
-TEST_F(ProjectTest, SavingWritesInlineSolutionsWithTheirFileAndThrowsAfterOneRetry)
-{
-    const QString path = writeSolution("inline.hdp", "<solution Name=\"A\">\n"
-                                                     "  <solution Name=\"In\">\n"
-                                                     "    <project Name=\"P\"/>\n"
-                                                     "  </solution>\n"
-                                                     "</solution>\n");
-    ASSERT_FALSE(loadError(path));
-    EXPECT_EQ(system.projectNames(), QStringList{"P(In)"});
-    system.setProperty(system.solutionProjects(nullptr).value("P(In)"), "v", "Debug", "1");
-    system.save(nullptr);
-    EXPECT_TRUE(scratch.read("inline.hdp").contains(R"(<configuration Name="Debug" v="1"/>)"));
-    struct Retry : ProjectFileSaveErrorHandler
-    {
-        bool saveFailed(E *) override { return ++calls; }
-        int calls = 0;
-    } retry;
-    system.solutionElement()->setPath(scratch.file("missing/dir/A.hdp"));
-    system.setProperty(system.solutionElement(), "v", "Debug", "2");
-    const auto error = thrown<SolutionSaveError>([&] { system.save(&retry); });
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->solution, system.solutionElement());
-    EXPECT_EQ(retry.calls, 1);
-}
-
 TEST_F(ProjectTest, LoadErrorsCarryTheirExactTexts)
 {
     const auto importing = [this](const char *name, const QByteArray &imported) {
