@@ -58,7 +58,7 @@ public:
     virtual void getDependencies(ProjectElement *element, const QString &configuration,
                                  QStringList &dependencies) = 0;
     /// The macro set of `element` in `configuration`: global, project and computed macros.
-    virtual QMap<QString, QString> macros(ProjectElement *element, const QString &configuration);
+    QMap<QString, QString> macros(ProjectElement *element, const QString &configuration) override;
     /// Whether `element`'s output can be loaded onto a target.
     virtual bool canLoad(ProjectElement *element, const QString &configuration) = 0;
     /// Whether `element` can be compiled on its own.
@@ -140,7 +140,7 @@ public:
     /// Enters `propertyClass` under its save name, replacing a class of the same name.
     void addPropertyClass(PropertyClass *propertyClass);
     /// The class saved as `saveName`, or null.
-    PropertyClass *findPropertyClass(const QString &saveName) const;
+    PropertyClass *findPropertyClass(const QString &saveName) const override;
     /// The whole catalogue by save name; for the reference of settings.
     const QMap<QString, PropertyClass *> &propertyClasses() const { return m_propertyClasses; }
 
