@@ -71,23 +71,9 @@ bool StandardBuildSystem::stageStep(ProjectElement *file, const QString &configu
         local, settingForExpanded(file, stageCommandProperty, configuration)));
     builder->beginGroup(file, QStringLiteral("Copying ") + file->attribute(QStringLiteral("Name")),
                         false);
-    builder->init();
-    builder->setDirectory(projectDirectory);
-    builder->setCommand(command);
-    builder->setOutputFiles({absolute});
-    builder->doit();
-    disk().invalidateAll();
-    if (errorOccurred || stopRequested) {
-        recordCommand(stageOutput, signature);
+    if (!runAndSetWritable(file, configuration, projectDirectory, command, absolute,
+                           stageSetReadOnlyProperty, stageOutput, signature, builder))
         return false;
-    }
-    // Both ways: a "No" makes a copy of a read-only file writable.
-    const bool readOnly =
-        isYes(projectSystem->settingFor(file, stageSetReadOnlyProperty, configuration));
-    builder->setCommand({QStringLiteral("chmod"),
-                         readOnly ? QStringLiteral("-w") : QStringLiteral("+w"), absolute});
-    builder->doit();
-    recordCommand(stageOutput, signature);
     // The package takes the copy, which a command run beside the build may still be making.
     if (packaged)
         builder->wait();
@@ -95,6 +81,33 @@ bool StandardBuildSystem::stageStep(ProjectElement *file, const QString &configu
         addToRemoveFromArchive(packagePath, member, absolute, builder, quiet, true, dryRun);
     builder->endGroup(file);
     return false;
+}
+
+bool StandardBuildSystem::runAndSetWritable(ProjectElement *element, const QString &configuration,
+                                            const QString &directory, const QStringList &command,
+                                            const QString &absolute,
+                                            const PropertyClass *readOnlyProperty,
+                                            const QString &output, const BuildSignature &signature,
+                                            Builder *builder)
+{
+    builder->init();
+    builder->setDirectory(directory);
+    builder->setCommand(command);
+    builder->setOutputFiles({absolute});
+    builder->doit();
+    disk().invalidateAll();
+    if (errorOccurred || stopRequested) {
+        recordCommand(output, signature);
+        return false;
+    }
+    // Both ways: a "No" makes a copy of a read-only file writable.
+    const bool readOnly =
+        isYes(projectSystem->settingFor(element, readOnlyProperty, configuration));
+    builder->setCommand({QStringLiteral("chmod"),
+                         readOnly ? QStringLiteral("-w") : QStringLiteral("+w"), absolute});
+    builder->doit();
+    recordCommand(output, signature);
+    return true;
 }
 
 bool StandardBuildSystem::combineStep(ProjectElement *project, const QString &configuration,
@@ -127,22 +140,9 @@ bool StandardBuildSystem::combineStep(ProjectElement *project, const QString &co
         local, settingForExpanded(project, combineCommandProperty, configuration)));
     builder->beginGroup(
         project, QStringLiteral("Combining ") + project->attribute(QStringLiteral("Name")), false);
-    builder->init();
-    builder->setDirectory(ProjectSystem::projectDirectoryPath(project));
-    builder->setCommand(command);
-    builder->setOutputFiles({absolute});
-    builder->doit();
-    disk().invalidateAll();
-    if (errorOccurred || stopRequested) {
-        recordCommand(combined, signature);
-        return false;
-    }
-    const bool readOnly =
-        isYes(projectSystem->settingFor(project, combineSetReadOnlyProperty, configuration));
-    builder->setCommand({QStringLiteral("chmod"),
-                         readOnly ? QStringLiteral("-w") : QStringLiteral("+w"), absolute});
-    builder->doit();
-    recordCommand(combined, signature);
-    builder->endGroup(project);
+    if (runAndSetWritable(project, configuration, ProjectSystem::projectDirectoryPath(project),
+                          command, absolute, combineSetReadOnlyProperty, combined, signature,
+                          builder))
+        builder->endGroup(project);
     return false;
 }

@@ -225,6 +225,14 @@ private:
                      int type, bool force);
     bool externalStep(ProjectElement *project, const QString &configuration, Builder *builder,
                       int type, BuildAction action, bool force);
+    /// Runs `command` in `directory` making `absolute`, then makes that file read-only or
+    /// writable as `readOnlyProperty` says, recording `output`'s signature; false when the
+    /// command failed or the build is to stop.
+    bool runAndSetWritable(ProjectElement *element, const QString &configuration,
+                           const QString &directory, const QStringList &command,
+                           const QString &absolute, const PropertyClass *readOnlyProperty,
+                           const QString &output, const BuildSignature &signature,
+                           Builder *builder);
     /// Copies one file of a "Staging" project and keeps its package member current.
     bool stageStep(ProjectElement *file, const QString &configuration, Builder *builder, int type,
                    bool force);
