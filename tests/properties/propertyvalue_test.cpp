@@ -4,7 +4,6 @@
 #include "xml/xmlelement.h"
 
 #include <QColor>
-#include <QFont>
 #include <QRect>
 #include <gtest/gtest.h>
 
@@ -89,7 +88,7 @@ TEST(PropertyValue, BooleansAndIntegersGoByTheEnumerates)
     }
 }
 
-TEST(PropertyValue, ListsColoursFontsAndRectanglesRoundTrip)
+TEST(PropertyValue, ListsColoursAndRectanglesRoundTrip)
 {
     PropertyClass listClass("l", PropertyClass::StringList, "", "", "", "d1;d2");
     SimplePropertyValue list(&listClass);
@@ -102,13 +101,6 @@ TEST(PropertyValue, ListsColoursFontsAndRectanglesRoundTrip)
     colour.setValue(QColor());
     EXPECT_EQ(colour.toString(), "Automatic");
     EXPECT_FALSE(colour.toColor().isValid());
-
-    SimplePropertyValue font(nullptr);
-    const QFont fallback("Fallback Sans", 13);
-    EXPECT_EQ(font.toFont(fallback), fallback);
-    const QFont mono("Mono", 9);
-    font.setValue(mono);
-    EXPECT_EQ(font.toFont(fallback).toString(), mono.toString());
 
     PropertyClass rectClass("r", PropertyClass::Custom, "", "", "", "1,2,3,4");
     SimplePropertyValue rect(&rectClass);
