@@ -30,15 +30,6 @@ TEST_F(ProjectTest, DeepFoldersAreLoadedResolvedWalkedAndFreedWithoutRecursion)
     system.closeSolution();
 }
 
-TEST_F(ProjectTest, SolutionsNestedTooDeeplyAreRefused)
-{
-    const auto error =
-        loadError(writeSolution("nested.hdp", QByteArray("<solution Name=\"S\">").repeated(40) +
-                                                  QByteArray("</solution>").repeated(40)));
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->message, " solutions nested too deeply");
-}
-
 TEST_F(ProjectTest, LongDependencyChainsDoNotRecurse)
 {
     E *solution = system.createSolution("S", scratch.path());

@@ -128,9 +128,9 @@ TEST_F(ProjectTest, LoadErrorsCarryTheirExactTexts)
         {importing("a.hdp", "b.hdp"), "", " solution already loaded", 0},
         {importing("self.hdp", "self.hdp"), "", " solution already loaded", 0},
         {importing("m.hdp", "gone.hdp"), scratch.file("gone.hdp"), " does not exist", 0},
-        {writeSolution("t.hdp", "<solution Name=\"T\"><project Name=\"P\" template_name=\"Board\"/>"
-                                "</solution>"),
-         "Board", " project template not found", 0},
+        {writeSolution("n.hdp", QByteArray("<solution Name=\"S\">").repeated(40) +
+                                    QByteArray("</solution>").repeated(40)),
+         "", " solutions nested too deeply", 0},
         {writeSolution("x.hdp", "<solution>\n  <project>\n</solution>\n"), "", "tagName mismatch",
          3},
     };

@@ -3,15 +3,10 @@
 
 namespace {
 
-struct WarningCase
-{
-    const char *body;
-    const char *warning;
-};
-
 TEST_F(SolutionWarningsTest, OneWarningPerKindNamingTheElement)
 {
-    const WarningCase cases[] = {
+    // A solution body and the one warning it gives.
+    const std::pair<const char *, const char *> cases[] = {
         {R"(<project Name="app"><folder Name="src"><file Name="main.c" file_name="main.c">
               <configuration Name="Release" gcc_optimisation_level="Level 1"/></file></folder>
             </project>)",
@@ -36,11 +31,10 @@ TEST_F(SolutionWarningsTest, OneWarningPerKindNamingTheElement)
                                 "name=\"cpu_type\"><groupEntry name=\"fast\"/></group>"
                                 "</propertyGroups>\n");
     const PropertyValueGroupFile *groupFileInUse = propertyValueGroups.currentFile();
-    for (const WarningCase &example : cases) {
-        const QString path = scratch.write("s.hdp", solutionText(example.body));
-        EXPECT_EQ(warningsOf(path), QStringList{QString::fromUtf8(example.warning)})
-            << example.body;
-    }
+    for (const auto &[body, warning] : cases)
+        EXPECT_EQ(warningsOf(scratch.write("s.hdp", solutionText(body))),
+                  QStringList{QString::fromUtf8(warning)})
+            << body;
     // Reading a group file for the check leaves the build the one it would have used.
     EXPECT_EQ(propertyValueGroups.currentFile(), groupFileInUse);
 }
