@@ -164,6 +164,7 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
     QDateTime modified;
     const bool present =
         exists(buildDirectory, objectFile, absolute, modified, builder, flags.quiet);
+    const BuildSignature signature = commandSignature(file, configuration, action, {input});
     if (present && !force) {
         QStringList dependencies = dependencyCache.value(absolute);
         if (dependencies.isEmpty())
@@ -172,8 +173,7 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
             dependencies.append(file->path().canonicalPathQString());
         if (upToDate(buildDirectory, objectFile, modified, dependencies, builder, flags.quiet) &&
             commandUpToDate(file, configuration, modified, action, builder, flags.quiet) &&
-            recordUpToDate(objectFile, commandSignature(file, configuration, action, {input}),
-                           builder, flags.quiet)) {
+            recordUpToDate(objectFile, signature, builder, flags.quiet)) {
             dependencyCache.insert(absolute, dependencies);
             if (!flags.quiet && builder)
                 builder->success(upToDateLine(objectFile));
@@ -187,7 +187,7 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
         createCommandFor(file, configuration, action, objectFile, absolute, {input}, builder,
                          flags.quiet, flags.clean);
         disk().invalidateAll();
-        recordCommand(objectFile, commandSignature(file, configuration, action, {input}));
+        recordCommand(objectFile, signature);
     }
     return true;
 }
@@ -221,14 +221,14 @@ bool StandardBuildSystem::linkStep(ProjectElement *project, const QString &confi
     QDateTime modified;
     const bool present =
         exists(buildDirectory, executable, absolute, modified, builder, flags.quiet);
+    const BuildSignature signature = commandSignature(project, configuration, ActionLink, inputs);
     if (present && !force) {
         QStringList dependencies = inputs;
         appendLinkControlFiles(project, configuration, dependencies, false);
         appendGeneratedLinkFiles(project, configuration, executable, dependencies);
         if (upToDate(buildDirectory, executable, modified, dependencies, builder, flags.quiet) &&
             commandUpToDate(project, configuration, modified, ActionLink, builder, flags.quiet) &&
-            recordUpToDate(executable, commandSignature(project, configuration, ActionLink, inputs),
-                           builder, flags.quiet) &&
+            recordUpToDate(executable, signature, builder, flags.quiet) &&
             additionalOutputFileUpToDate(project, configuration, absolute, dependencies, builder,
                                          flags.quiet) &&
             mapOutputFileUpToDate(project, configuration, absolute, dependencies, builder,
@@ -246,7 +246,7 @@ bool StandardBuildSystem::linkStep(ProjectElement *project, const QString &confi
     createCommandFor(project, configuration, ActionLink, executable, absolute, inputs, builder,
                      flags.quiet, flags.clean);
     disk().invalidateAll();
-    recordCommand(executable, commandSignature(project, configuration, ActionLink, inputs));
+    recordCommand(executable, signature);
     if (!errorOccurred && !stopRequested)
         postBuildStep(project, configuration, builder);
     return true;
@@ -271,11 +271,12 @@ bool StandardBuildSystem::archiveStep(ProjectElement *project, const QString &co
     QString absolute;
     QDateTime modified;
     const bool present = exists(buildDirectory, library, absolute, modified, builder, flags.quiet);
+    const BuildSignature signature =
+        commandSignature(project, configuration, ActionArchive, inputs);
     if (present && !force &&
         upToDate(buildDirectory, library, modified, inputs, builder, flags.quiet) &&
         commandUpToDate(project, configuration, modified, ActionArchive, builder, flags.quiet) &&
-        recordUpToDate(library, commandSignature(project, configuration, ActionArchive, inputs),
-                       builder, flags.quiet)) {
+        recordUpToDate(library, signature, builder, flags.quiet)) {
         if (!flags.quiet && builder)
             builder->success(upToDateLine(library));
         return false;
@@ -286,7 +287,7 @@ bool StandardBuildSystem::archiveStep(ProjectElement *project, const QString &co
         createCommandFor(project, configuration, ActionArchive, library, absolute, inputs, builder,
                          flags.quiet, flags.clean);
         disk().invalidateAll();
-        recordCommand(library, commandSignature(project, configuration, ActionArchive, inputs));
+        recordCommand(library, signature);
     }
     return true;
 }
