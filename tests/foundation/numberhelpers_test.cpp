@@ -8,9 +8,8 @@ TEST(NumberHelpersTest, ReadsNumbersInEveryNotation)
     // No digit check: a letter counts by its place, whatever the base; 64 bits wrap.
     // clang-format off
     const std::pair<const char *, unsigned long long> cases[] = {
-        {"0xFfA0", 0xffa0}, {"0b101", 5}, {"010", 8}, {"0", 0}, {"  +7", 7}, {"\t123", 123},
-        {"-1", ~0ULL}, {"0xffffffffffffffff", ~0ULL}, {"0x10000000000000000", 0}, {"", 0},
-        {"1a", 20}};
+        {"0xFfA0", 0xffa0}, {"0b101", 5}, {"010", 8}, {"\t +7", 7}, {"-1", ~0ULL}, {"1a", 20},
+        {"0xffffffffffffffff", ~0ULL}, {"0x10000000000000000", 0}, {"", 0}};
     // clang-format on
     for (const auto &[text, value] : cases)
         EXPECT_EQ(fromStringTouint64(text), value) << text;
@@ -28,7 +27,6 @@ TEST(NumberHelpersTest, WritesDigitsAndCommasAndExtendsSigns)
     EXPECT_STREQ(toStringFromDouble(-HUGE_VAL, "%f"), "Inf");
     EXPECT_EQ(std::string(toStringFromDouble(1e308, "%f")).size(), 316u);
     EXPECT_EQ(qCommaize(1002003), "1,002,003");
-    EXPECT_EQ(qCommaize(123456), "123,456");
     EXPECT_EQ(signExtend(7, 0x80), 0xffffffffffffff80ULL);
     EXPECT_EQ(signExtend(7, 0x17f), 0x17fULL) << "bit 7 clear: unchanged";
     EXPECT_EQ(signExtend(64, 5), 5u);

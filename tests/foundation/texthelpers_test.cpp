@@ -27,9 +27,8 @@ TEST(TextHelpersTest, SplitItemsAndAbbreviations)
 {
     QStringList list{"first"};
     appendSplitItems(list, "-I", "a;;b;");
-    EXPECT_EQ(list, (QStringList{"first", "-Ia", "-Ib"}));
     appendSplitItems(list, "-I", "");
-    EXPECT_EQ(list.size(), 3);
+    EXPECT_EQ(list, (QStringList{"first", "-Ia", "-Ib"}));
     EXPECT_EQ(abbreviateFileName("/home/someone/project/src/main.c", 4), "main.c");
     EXPECT_EQ(abbreviateFileName("/home/someone/project/src/main.c", 18), ".../src/main.c");
 }
