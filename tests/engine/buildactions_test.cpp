@@ -91,3 +91,18 @@ TEST(SplitCommand, QuotesGroupAndVanish)
     EXPECT_EQ(StandardBuildSystem::splitCommand("  cp  \"\"  x  "), (QStringList{"cp", "x"}));
     EXPECT_EQ(StandardBuildSystem::splitCommand(""), QStringList());
 }
+
+TEST(BuildCatalogue, ALaterClassOfASaveNameReplacesTheEarlier)
+{
+    {
+        ARMBuildSystem system{QStringList()};
+        EXPECT_EQ(standardBuildSystem, &system);
+        // The link and the archive each keep their output file name class; the catalogue
+        // holds the one made last, the library's.
+        EXPECT_NE(system.linkerOutputFileNameProperty, system.libraryOutputFileNameProperty);
+        EXPECT_EQ(system.findPropertyClass("build_output_file_name"),
+                  system.libraryOutputFileNameProperty);
+    }
+    // The generic layer is published for the build system's lifetime only.
+    EXPECT_EQ(standardBuildSystem, nullptr);
+}
