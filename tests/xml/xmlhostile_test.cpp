@@ -5,18 +5,6 @@
 #include "xml/xmltesting.h"
 
 #include <gtest/gtest.h>
-#include <random>
-
-TEST(XMLHostile, Garbage)
-{
-    std::mt19937 random(7);
-    for (int round = 0; round < 200; ++round) {
-        QByteArray bytes(4096, '\0');
-        for (char &byte : bytes)
-            byte = char(random() % 8 ? "<>/!?-=\"&#x[]a_ \n"[random() % 17] : random() % 255 + 1);
-        XMLDocument(true).loadFromString(bytes.constData());
-    }
-}
 
 TEST(XMLHostile, DeepNesting)
 {
