@@ -91,8 +91,6 @@ TEST_F(PlatformBuild, WhatPutsAnObjectOutOfDateAndHowItIsTold)
          {"message: Debug/b.o does not exist.", "command 2 Debug/b.o src/b.c"}},
         // An object of the library is no input of the program.
         {[&] { disk->touch(at("Debug/l.o"), 350); }, {}},
-        {[&] { set("a.c", "c_preprocessor_definitions", "X"); },
-         {"message: Preprocessor Definitions property has changed.", compileA}},
     };
     for (const auto &[change, expected] : cases) {
         loadBuilt();
