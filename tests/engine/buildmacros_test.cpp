@@ -44,10 +44,7 @@ TEST_F(BuildMacros, FileMacrosInTheirOrderAndTemporaryFiles)
     // A macro's value is not expanded again.
     EXPECT_EQ(system->replaceMacros(file, "$(Mine)-$(OutDir)", "Debug"), "$(ProjectName)x-Debug");
     // The project model expands through the registered build system.
-    ASSERT_EQ(projectSystem->settingExpander(), system);
-    EXPECT_EQ(projectSystem->settingExpander()->settingForExpanded(
-                  element("App"), system->linkerOutputFileNameProperty, "Debug"),
-              "Debug/App.elf");
+    EXPECT_EQ(projectSystem->settingExpander(), system);
 
     // Temporary file names lie in the intermediate directory, and are not made.
     const QString prefix = solutionDir + "/app/Debug/App/" + P_tmpdir + "/file";
