@@ -4,8 +4,9 @@ namespace {
 
 /// The two segments most tests place sections in.
 const QByteArray flashAndRam =
-    "<MemorySegment name=\"FLASH\" start=\"0\" size=\"0x10000\" access=\"ReadOnly\"/>\n"
-    "<MemorySegment name=\"RAM\" start=\"0x20000000\" size=\"0x1000\"/>\n";
+    R"(<MemorySegment name="FLASH" start="0" size="0x10000" access="ReadOnly"/>
+<MemorySegment name="RAM" start="0x20000000" size="0x1000"/>
+)";
 
 /// The names of the output sections in the order the script writes them.
 QStringList sectionOrder(const QString &script)
@@ -22,25 +23,22 @@ QStringList sectionOrder(const QString &script)
 
 TEST(LinkerScriptWriterTest, RegionsSymbolsAndPlacementAfterTheMapsOwnSections)
 {
-    const QString script = scriptFrom(
-        "<MemorySegment name=\"FLASH\" start=\"0\" size=\"0x10000\" access=\"ReadOnly\""
-        " size_symbol=\"__flash_size__\">\n"
-        "  <ProgramSection name=\".own\" load=\"Yes\"/>\n"
-        "</MemorySegment>\n"
-        "<MemorySegment name=\"RAM\" start=\"0x20000000\" size=\"0x1000\""
-        " address_symbol=\"__ram__\" size_symbol=\"__ram_size__\"/>\n"
-        "<MemorySegment name=\"Top RAM\" start=\"0xffff0000\" size=\"0x10000\"/>\n"
-        "<Register name=\"r\" start=\"0x40\" address_symbol=\"REG\" size_symbol=\"nosize\"/>\n"
-        "<Register name=\"s\" address_symbol=\"NOSTART\"/>\n",
-        "<MemorySegment name=\"ROM;FLASH;RAM\">\n"
-        "  <ProgramSection name=\"CODE\" load=\"Yes\" alignment=\"8\""
-        " inputsections=\"*(.text .text.*)\"/>\n"
-        "</MemorySegment>\n"
-        "<MemorySegment name=\"RAM\">\n"
-        "  <ProgramSection name=\".aligned\" alignment=\"0x100\"/>\n"
-        "  <ProgramSection name=\".one\" alignment=\"1\" size=\"64\"/>\n"
-        "</MemorySegment>\n",
-        false, {"2048", "", "256", "0", "", "0", ""});
+    const QString script = scriptFrom(R"(<MemorySegment name="FLASH" start="0" size="0x10000"
+  access="ReadOnly" size_symbol="__flash_size__"><ProgramSection name=".own" load="Yes"/>
+</MemorySegment>
+<MemorySegment name="RAM" start="0x20000000" size="0x1000" address_symbol="__ram__"
+  size_symbol="__ram_size__"/>
+<MemorySegment name="Top RAM" start="0xffff0000" size="0x10000"/>
+<Register name="r" start="0x40" address_symbol="REG" size_symbol="nosize"/>
+<Register name="s" address_symbol="NOSTART"/>
+)",
+                                      R"x(<MemorySegment name="ROM;FLASH;RAM">
+  <ProgramSection name="CODE" load="Yes" alignment="8" inputsections="*(.text .text.*)"/>
+</MemorySegment>
+<MemorySegment name="RAM"><ProgramSection name=".aligned" alignment="0x100"/>
+  <ProgramSection name=".one" alignment="1" size="64"/></MemorySegment>
+)x",
+                                      false, {"2048", "", "256", "0", "", "0", ""});
     EXPECT_TRUE(script.startsWith("MEMORY\n{\n"
                                   "  Top_RAM (wx) : ORIGIN = 0xffff0000, LENGTH = 0x00010000\n"
                                   "  RAM (wx) : ORIGIN = 0x20000000, LENGTH = 0x00001000\n"
@@ -72,19 +70,15 @@ TEST(LinkerScriptWriterTest, RegionsSymbolsAndPlacementAfterTheMapsOwnSections)
 
 TEST(LinkerScriptWriterTest, RunInAreasAbsolutePlacementAndAssertions)
 {
-    const QString script =
-        scriptFrom(flashAndRam,
-                   "<MemorySegment name=\"FLASH\">\n"
-                   "  <ProgramSection name=\".text\" load=\"Yes\"/>\n"
-                   "  <ProgramSection name=\".fast\" load=\"Yes\" runin=\".area\"/>\n"
-                   "  <ProgramSection name=\".init\" load=\"Yes\" runin=\".area\"/>\n"
-                   "  <ProgramSection name=\".abs\" load=\"Yes\" start=\"0x8000\""
-                   " alignment=\"4\"/>\n"
-                   "</MemorySegment>\n"
-                   "<MemorySegment name=\"RAM\"><ProgramSection name=\".first\"/>\n"
-                   "  <ProgramSection name=\".area\" start=\"0x20000100\"/>\n"
-                   "  <ProgramSection name=\".after\"/></MemorySegment>\n",
-                   true);
+    const QString script = scriptFrom(
+        flashAndRam, R"(<MemorySegment name="FLASH"><ProgramSection name=".text" load="Yes"/>
+  <ProgramSection name=".fast" load="Yes" runin=".area"/>
+  <ProgramSection name=".init" load="Yes" runin=".area"/>
+  <ProgramSection name=".abs" load="Yes" start="0x8000" alignment="4"/></MemorySegment>
+<MemorySegment name="RAM"><ProgramSection name=".first"/>
+  <ProgramSection name=".area" start="0x20000100"/><ProgramSection name=".after"/></MemorySegment>
+)",
+        true);
     EXPECT_EQ(sectionOrder(script),
               QStringList({".first", ".text", ".fast", ".init", ".area", ".after", ".abs"}));
     EXPECT_TRUE(script.contains("MEMORY\n{\n  UNPLACED_SECTIONS (wx) : ORIGIN = 0x100000000, "
@@ -110,14 +104,11 @@ TEST(LinkerScriptWriterTest, RunAddressFollowsTheRunAreasPredecessorAndBlanksGo)
     // The placement's segments are taken last first, so the section that runs in RAM comes
     // first; what the run area's address depends on is written before it, the area after it.
     const QString script =
-        scriptFrom(flashAndRam, "<MemorySegment name=\"RAM\">\n"
-                                "  <ProgramSection name=\".first\"/>\n"
-                                "  <ProgramSection name=\".area\"/>\n"
-                                "</MemorySegment>\n"
-                                "<MemorySegment name=\"FLASH\">\n"
-                                "  <ProgramSection name=\".fast\" load=\"Yes\" runin=\".area\"/>\n"
-                                "  <ProgramSection name=\"my next\" load=\"Yes\"/>\n"
-                                "</MemorySegment>\n");
+        scriptFrom(flashAndRam, R"(<MemorySegment name="RAM"><ProgramSection name=".first"/>
+  <ProgramSection name=".area"/></MemorySegment>
+<MemorySegment name="FLASH"><ProgramSection name=".fast" load="Yes" runin=".area"/>
+  <ProgramSection name="my next" load="Yes"/></MemorySegment>
+)");
     EXPECT_EQ(sectionOrder(script), QStringList({".first", ".fast", "my_next", ".area"}));
     EXPECT_TRUE(script.contains("  .fast __first_end__ : AT(__FLASH_segment_start__)\n"));
     // Blanks in names become underscores.
@@ -128,27 +119,26 @@ TEST(LinkerScriptWriterTest, RunAddressFollowsTheRunAreasPredecessorAndBlanksGo)
 TEST(LinkerScriptWriterTest, ErrorTexts)
 {
     const char *const cases[][2] = {
-        {"<MemorySegment name=\"RAM\"><ProgramSection name=\".data\" runin=\".area\"/>"
-         "<ProgramSection name=\".area\"/></MemorySegment>",
+        {R"(<MemorySegment name="RAM"><ProgramSection name=".data" runin=".area"/>
+             <ProgramSection name=".area"/></MemorySegment>)",
          "cyclic memory section dependency with section .data"},
         // The first address past a segment is outside it.
-        {"<MemorySegment name=\"FLASH\"><ProgramSection name=\".a\" start=\"0x10000\"/>"
-         "</MemorySegment>",
+        {R"(<MemorySegment name="FLASH"><ProgramSection name=".a" start="0x10000"/></MemorySegment>)",
          "The .a section has been placed at an absolute address outside of its segment range."},
-        {"<MemorySegment name=\"FLASH\"><ProgramSection name=\".a\" runin=\".b\"/>"
-         "<ProgramSection name=\".c\" runin=\".a\"/></MemorySegment>"
-         "<MemorySegment name=\"RAM\"><ProgramSection name=\".b\"/></MemorySegment>",
+        {R"(<MemorySegment name="FLASH"><ProgramSection name=".a" runin=".b"/>
+             <ProgramSection name=".c" runin=".a"/></MemorySegment>
+             <MemorySegment name="RAM"><ProgramSection name=".b"/></MemorySegment>)",
          "run section .a cannot have run in sections"},
-        {"<MemorySegment name=\"FLASH\"><ProgramSection name=\".data\" runin=\".nowhere\"/>"
-         "</MemorySegment>",
+        {R"(<MemorySegment name="FLASH"><ProgramSection name=".data" runin=".nowhere"/></MemorySegment>)",
          "cannot find run section .nowhere referenced in data"},
-        {"<MemorySegment name=\"ROM;EEPROM\"><ProgramSection name=\".x\"/></MemorySegment>",
+        {R"(<MemorySegment name="ROM;EEPROM"><ProgramSection name=".x"/></MemorySegment>)",
          "section placement file referenced segment ROM;EEPROM not in memory map file"},
     };
     for (const auto &each : cases)
         EXPECT_EQ(scriptFrom(flashAndRam, each[0]), QStringLiteral("error: ") + each[1]);
     // A segment's first address is in it.
-    EXPECT_FALSE(scriptFrom(flashAndRam, "<MemorySegment name=\"FLASH\"><ProgramSection "
-                                         "name=\".a\" start=\"0\"/></MemorySegment>")
-                     .startsWith("error"));
+    EXPECT_FALSE(
+        scriptFrom(flashAndRam, R"(<MemorySegment name="FLASH"><ProgramSection name=".a" start="0"/>
+</MemorySegment>)")
+            .startsWith("error"));
 }

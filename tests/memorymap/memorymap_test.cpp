@@ -2,14 +2,13 @@
 
 TEST(MemoryMapTest, WalksAndTheirOrders)
 {
-    auto map = mapFrom(memoryMapXml(
-        "<MemorySegment name=\"FLASH\">\n"
-        "  <ProgramSection name=\"a\"><ProgramSection name=\"hidden\"/></ProgramSection>\n"
-        "  <ProgramSection name=\"b\"/><MemorySegment name=\"inner\"/>\n"
-        "</MemorySegment>\n"
-        "<Processor name=\"p\"><MemorySegment name=\"RAM\"/></Processor>\n"
-        "<MemorySegment name=\"cut\"><ProgramSection name=\"before\"/>\n"
-        "  <![CDATA[text]]><ProgramSection name=\"after\"/></MemorySegment>\n"));
+    auto map = mapFrom(memoryMapXml(R"(<MemorySegment name="FLASH">
+  <ProgramSection name="a"><ProgramSection name="hidden"/></ProgramSection>
+  <ProgramSection name="b"/><MemorySegment name="inner"/></MemorySegment>
+<Processor name="p"><MemorySegment name="RAM"/></Processor>
+<MemorySegment name="cut"><ProgramSection name="before"/><![CDATA[text]]><ProgramSection name="after"/>
+</MemorySegment>
+)"));
     ASSERT_TRUE(map);
     EXPECT_EQ(names(map->getSegments(true)), "cut RAM FLASH");
     const MemoryMapElement *flash = map->getSegment("FLASH");

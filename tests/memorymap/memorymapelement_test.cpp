@@ -16,21 +16,17 @@ QString listed(const MemoryMap &map, Value (MemoryMapElement::*value)() const)
 
 TEST(MemoryMapElementTest, AddressFormsPresenceAndSettersThatConvert)
 {
-    auto map = mapFrom(memoryMapXml(
-        "<MemorySegment name=\"SEG\" start=\"0x1000\" size=\"0x1000\">\n"
-        "  <ProgramSection name=\"offset\" start=\"+0x100\"/>\n"
-        "  <ProgramSection name=\"sum\" start=\"0x20+0x3\"/>\n"
-        "  <ProgramSection name=\"empty\" start=\"\" runin=\"\" load=\"yes\" inputsections=\"\"/>\n"
-        "  <ProgramSection name=\"nested\" start=\"+0x10\">\n"
-        "    <ProgramSection name=\"inner\" start=\"+1\"/></ProgramSection>\n"
-        "  <RegisterGroup name=\"group\" start=\"+0x200\"><Register name=\"reg\" start=\"+4\">\n"
-        "    <BitField name=\"field\" start=\"+3\"/><Register name=\"sub\" start=\"+8\"/>\n"
-        "  </Register></RegisterGroup>\n"
-        "  <Processor name=\"unresolved\" start=\"0x55\"/>\n"
-        "  <MemorySegment name=\"nostart\" size=\"\">\n"
-        "    <ProgramSection name=\"inherits\" start=\"+2\"/></MemorySegment>\n"
-        "</MemorySegment>\n"
-        "<MemorySegment name=\"top\" start=\"0xfffffff0+0x20\"/>\n"));
+    auto map = mapFrom(memoryMapXml(R"(<MemorySegment name="SEG" start="0x1000" size="0x1000">
+  <ProgramSection name="offset" start="+0x100"/><ProgramSection name="sum" start="0x20+0x3"/>
+  <ProgramSection name="empty" start="" runin="" load="yes" inputsections=""/>
+  <ProgramSection name="nested" start="+0x10"><ProgramSection name="inner" start="+1"/>
+  </ProgramSection><RegisterGroup name="group" start="+0x200"><Register name="reg" start="+4">
+    <BitField name="field" start="+3"/><Register name="sub" start="+8"/></Register></RegisterGroup>
+  <Processor name="unresolved" start="0x55"/><MemorySegment name="nostart" size="">
+    <ProgramSection name="inherits" start="+2"/></MemorySegment>
+</MemorySegment>
+<MemorySegment name="top" start="0xfffffff0+0x20"/>
+)"));
     ASSERT_TRUE(map);
     // A sum takes no part of the enclosing address; a register is no base for what it holds
     // and its fields count from 0; a processor's address is not resolved; an element without
@@ -58,13 +54,12 @@ TEST(MemoryMapElementTest, AddressFormsPresenceAndSettersThatConvert)
 TEST(MemoryMapElementTest, RegisterSizesAndExpressions)
 {
     // "hi" has a type of no known width; "byte" has a size, which wins over the type.
-    auto map = mapFrom(
-        memoryMapXml("<Register name=\"r\" start=\"0x40\" register_type=\"unsigned short\">\n"
-                     "  <BitField name=\"lo\" start=\"0\" size=\"4\"/>\n"
-                     "  <BitField name=\"hi\" start=\"4\" register_type=\"char\"/></Register>\n"
-                     "<Register name=\"sym\" start=\"@pc\" size=\"4\"/>\n"
-                     "<Register name=\"int\" register_type=\"int\"/>\n"
-                     "<Register name=\"byte\" register_type=\"signed char\" size=\"2\"/>\n"));
+    auto map =
+        mapFrom(memoryMapXml(R"(<Register name="r" start="0x40" register_type="unsigned short">
+  <BitField name="lo" start="0" size="4"/><BitField name="hi" start="4" register_type="char"/>
+</Register><Register name="sym" start="@pc" size="4"/><Register name="int" register_type="int"/>
+<Register name="byte" register_type="signed char" size="2"/>
+)"));
     ASSERT_TRUE(map);
     EXPECT_EQ(listed(*map, &MemoryMapElement::size), "r=2 lo=4 hi=8 sym=4 int=0 byte=2");
     const MemoryMap::ElementList all = map->getAllElements();
