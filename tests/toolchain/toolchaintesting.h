@@ -92,8 +92,6 @@ protected:
         for (const QString &value : values)
             projects.removeProperty(element, value.section('=', 0, 0), debug);
     }
-    /// `text` with "@" standing for the project directory of "App".
-    QString expand(QString text) const { return text.replace(QLatin1Char('@'), projectDir); }
     /// `lines` joined by newlines, scratch file names shown as "TMP", the project directory
     /// of "App" as "@".
     QString shown(const QStringList &lines) const
@@ -112,8 +110,9 @@ protected:
         builder.clear();
         system->errorOccurred = false;
         system->disk().invalidateAll(); // each call sees the files as the test left them
-        system->createCommandFor(element, debug, action, output, expand("@/") + output, inputs,
-                                 &builder, false, false);
+        system->createCommandFor(element, debug, action, output,
+                                 projectDir + QLatin1Char('/') + output, inputs, &builder, false,
+                                 false);
         unset(element, values);
     }
     /// What the builder was told, one call a line, as `shown`.
