@@ -4,6 +4,7 @@
 # Prints one line per target: executions, coverage, and what was found. A crash, a sanitizer
 # report, an input slower than a second or one that needs more than 256 MB is a finding: the
 # input is kept in fuzz/findings/NAME/ and the script exits non-zero.
+# FUZZ_RUNS=N also stops a target after N executions, whichever limit comes first.
 # Usage: scripts/fuzz.sh [SECONDS] [NAME...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -32,9 +33,11 @@ for target in "${targets[@]}"; do
   mkdir -p "$work" "$findings" build-fuzz/logs
   status=0
   "build-fuzz/fuzz/$target" "$work" "fuzz/corpus/$target" -max_total_time="$seconds" \
+    -runs="${FUZZ_RUNS:--1}" \
     -timeout=1 -rss_limit_mb=256 -max_len=4096 -print_final_stats=1 \
     -artifact_prefix="$findings/" >"$log" 2>&1 || status=$?
   executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)
+  elapsed=$(sed -n 's/^Done [0-9]* runs in \([0-9]*\) second.*/\1/p' "$log" | tail -1)
   coverage=$(grep -o 'cov: [0-9]* ft: [0-9]*' "$log" | tail -1 || true)
   if [ "$status" -eq 0 ]; then
     result="nothing found"
@@ -43,7 +46,7 @@ for target in "${targets[@]}"; do
     artifact=$(sed -n 's/.*Test unit written to \(.*\)$/\1/p' "$log" | tail -1)
     result="FOUND (exit $status): ${artifact:-see $log}"
   fi
-  printf '%-18s %10s executions, %-20s %s\n' "$target" "${executions:-?}" "${coverage:-cov: ?}," \
-    "$result"
+  printf '%-18s %10s executions in %5s s, %-20s %s\n' "$target" "${executions:-?}" \
+    "${elapsed:-?}" "${coverage:-cov: ?}," "$result"
 done
 exit "$found"
