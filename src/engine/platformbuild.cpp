@@ -79,6 +79,8 @@ bool StandardBuildSystem::platformBuild(ProjectElement *element, const QString &
     if (builder)
         builder->wait();
     saveRecord(builder, quiet);
+    if (!dryRun)
+        dependencyCache.save();
     return worked;
 }
 

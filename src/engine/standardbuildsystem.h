@@ -3,6 +3,7 @@
 #include "engine/buildaction.h"
 #include "engine/buildrecord.h"
 #include "engine/buildsystem.h"
+#include "engine/dependencycache.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -157,8 +158,9 @@ public:
 
     /// The directory of the project being built; relative names are resolved against it.
     QString buildDirectory;
-    /// The dependency lists of object files known to be up to date, by absolute object path.
-    QMap<QString, QStringList> dependencyCache;
+    /// The dependency lists of object files known to be up to date, by absolute object path,
+    /// kept across runs beside the objects.
+    DependencyCache dependencyCache;
 
     PropertyClass *propertyGroupsFilePathProperty;
     PropertyClass *buildRemoveUnusedSymbolsProperty;

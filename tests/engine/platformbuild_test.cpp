@@ -71,7 +71,7 @@ TEST_F(PlatformBuild, UpToDateSaysSoOnlyWhenVerboseAndANewerHeaderRebuildsAndRel
     EXPECT_TRUE(buildProject("App", verbose));
     EXPECT_EQ(events(), (QStringList{"message: " + at("include/h.h") + " is newer than Debug/a.o.",
                                      compileA, upToDateB, link}));
-    EXPECT_FALSE(system->dependencyCache.contains(at("Debug/a.o")));
+    EXPECT_TRUE(system->dependencyCache.value(at("Debug/a.o")).isEmpty());
 }
 
 TEST_F(PlatformBuild, WhatPutsAnObjectOutOfDateAndHowItIsTold)

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+class DiskInterface;
+
+/// The dependency lists of object files, by absolute object path, kept compactly across runs.
+///
+/// Each entry remembers the time of the object's dependency file when its list was taken, and
+/// counts only while that file keeps its time: a compile that rewrites the file, or its
+/// removal, makes the entry stale, and the list is then read from the file again. The entries
+/// of the objects of one directory live in a small binary file there, so that a build with
+/// nothing to do reads one file per directory rather than one per object. Every distinct name
+/// is held once, and a list is a row of numbers into those names.
+class DependencyCache
+{
+public:
+    /// The name of the cache file in each directory of objects.
+    static const char *fileName();
+
+    /// The list kept for `object`, or an empty one when there is none or its dependency file
+    /// changed since. Reads the cache file of the object's directory the first time it is
+    /// asked about that directory.
+    QStringList value(const QString &object);
+    /// Keeps `dependencies` for `object`, stamped with its dependency file's present time.
+    void insert(const QString &object, const QStringList &dependencies);
+    /// Forgets `object`: it is out of date.
+    void remove(const QString &object);
+    /// Forgets everything held in memory; the files stay as they are.
+    void clear();
+    /// Writes the cache file of every directory whose entries changed; a file that can't be
+    /// written is left, as a cache may be.
+    void save();
+
+    /// The entries of `directory` as the text of its cache file.
+    QByteArray serialize(const QString &directory) const;
+    /// Reads the entries of `directory` from `bytes`; false, with nothing read, when they are
+    /// not a cache file of this version or are damaged in any way.
+    bool parse(const QString &directory, const QByteArray &bytes);
+
+    /// Where to read and write; the build system's disk unless a test sets another.
+    void setDisk(DiskInterface *disk) { m_disk = disk; }
+
+private:
+    struct Entry
+    {
+        qint64 dependencyFileTime = 0; ///< milliseconds since the epoch, -1 for no file
+        std::vector<quint32> names;
+    };
+    struct Directory
+    {
+        QHash<QString, Entry> entries;
+        bool loaded = false;
+        bool changed = false;
+    };
+
+    DiskInterface &disk();
+    Directory &directoryOf(const QString &object);
+    quint32 intern(const QString &name);
+    /// Whether `entry` already says `dependencies` with a dependency file of that time.
+    bool holds(const Entry &entry, qint64 dependencyFileTime,
+               const QStringList &dependencies) const;
+    qint64 dependencyFileTime(const QString &object);
+
+    QHash<QString, Directory> m_directories;
+    QStringList m_names;
+    QHash<QString, quint32> m_nameNumbers;
+    DiskInterface *m_disk = nullptr;
+};
