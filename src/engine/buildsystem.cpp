@@ -399,7 +399,7 @@ QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QStrin
     map.insert(QStringLiteral("SolutionExt"), solutionFile.completeSuffix());
 
     if (element && element->type() == ProjectElement::File) {
-        const QFileInfo &input = element->fileInfo();
+        const QFileInfo input(element->filePath());
         map.insert(QStringLiteral("InputDir"), input.path());
         map.insert(QStringLiteral("InputName"), input.baseName());
         map.insert(QStringLiteral("InputFileName"), input.fileName());

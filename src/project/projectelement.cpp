@@ -334,7 +334,8 @@ void ProjectElement::setPath(const QString &path)
 {
     m_fileInfoValid = true;
     m_path.setPath(path);
-    m_fileInfo.setFile(path);
+    m_filePath = path;
+    m_fileInfo.reset();
 }
 
 void ProjectElement::doFileStuff(const QFileInfo &info)
@@ -358,7 +359,8 @@ void ProjectElement::doFileStuff(const QFileInfo &info)
     const QString full =
         hasRelativeForm ? m_projectDirectory + QLatin1Char('/') + m_relativePath : m_relativePath;
     m_path.setPath(full);
-    m_fileInfo.setFile(full);
+    m_filePath = full;
+    m_fileInfo.reset();
     m_fileInfoValid = true;
 }
 
@@ -400,7 +402,7 @@ void ProjectElement::setFileName(const QString &name, bool fromTemplate)
     storeAttribute(fileNameAttribute, name);
     m_fileInfoValid = false;
     checkDoFileStuff();
-    setName(m_fileInfo.fileName(), fromTemplate);
+    setName(QFileInfo(m_filePath).fileName(), fromTemplate);
 }
 
 const Path &ProjectElement::path()
@@ -412,7 +414,15 @@ const Path &ProjectElement::path()
 const QFileInfo &ProjectElement::fileInfo()
 {
     checkDoFileStuff();
-    return m_fileInfo;
+    if (!m_fileInfo)
+        m_fileInfo = std::make_unique<QFileInfo>(m_filePath);
+    return *m_fileInfo;
+}
+
+QString ProjectElement::filePath()
+{
+    checkDoFileStuff();
+    return m_filePath;
 }
 
 QString ProjectElement::projectDirectory()

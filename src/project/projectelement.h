@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 class XMLElement;
 
 /// A node of a loaded solution: a solution, configuration, project, folder or file. It owns
@@ -152,6 +154,8 @@ public:
     /// The file as last set, without working it out from "file_name"; empty if never set.
     const Path &storedPath() const { return m_path; }
     const QFileInfo &fileInfo();
+    /// The full name of the element's file, as `fileInfo()` would give it, without making one.
+    QString filePath();
     /// The directory of the project the file belongs to.
     QString projectDirectory();
     /// The file relative to its project directory, or absolute if it has no relative form.
@@ -201,7 +205,10 @@ private:
     bool m_inTransaction = false;
     bool m_fileInfoValid = false;
     Path m_path;
-    QFileInfo m_fileInfo;
+    /// The full name of the element's file; its QFileInfo is made only when someone asks for
+    /// it, as thousands of elements rarely need one.
+    QString m_filePath;
+    mutable std::unique_ptr<QFileInfo> m_fileInfo;
     QString m_projectDirectory;
     QString m_relativePath;
     QString m_cachedFileType;

@@ -181,7 +181,7 @@ QString StandardProjectSystem::getFileType(ProjectElement *element)
     if (!element->cachedFileType().isEmpty())
         return element->cachedFileType();
 
-    const QString suffix = element->fileInfo().suffix().toLower();
+    const QString suffix = QFileInfo(element->filePath()).suffix().toLower();
     const QString dotted = QLatin1Char('.') + suffix;
     QString type;
     if (suffix == QLatin1String("c"))
@@ -197,7 +197,7 @@ QString StandardProjectSystem::getFileType(ProjectElement *element)
              dotted == assemblyCodeFileExtension())
         type = QStringLiteral("Assembly");
     else if (suffix == QLatin1String("xml"))
-        type = xmlFileType(element->fileInfo().filePath());
+        type = xmlFileType(element->filePath());
     else if (dotted == objectFileExtension())
         type = QStringLiteral("Object file");
     else if (dotted == executableFileExtension())
