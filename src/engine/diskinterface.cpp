@@ -15,6 +15,40 @@
 
 DiskInterface::~DiskInterface() = default;
 
+RealDiskInterface::~RealDiskInterface()
+{
+    closeDirectories();
+}
+
+void RealDiskInterface::closeDirectories()
+{
+    for (const int descriptor : std::as_const(m_directories))
+        ::close(descriptor);
+    m_directories.clear();
+}
+
+int RealDiskInterface::statFile(const QByteArray &name, struct stat &status)
+{
+    // A build looks at thousands of files in a few directories. Asking relative to an open
+    // directory spares the kernel walking the whole name each time.
+    const qsizetype slash = name.lastIndexOf('/');
+    if (slash < 0 || slash + 1 == name.size())
+        return ::stat(name.constData(), &status);
+    const QByteArray directory = QByteArray::fromRawData(name.constData(), qMax<qsizetype>(slash, 1));
+    auto found = m_directories.constFind(directory);
+    if (found == m_directories.constEnd()) {
+        // A directory that isn't there is not remembered: the build may make it.
+        const QByteArray owned(directory.constData(), directory.size());
+        const int descriptor = m_directories.size() < maximumOpenDirectories
+                                   ? ::open(owned.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC)
+                                   : -1;
+        if (descriptor < 0)
+            return ::stat(name.constData(), &status);
+        found = m_directories.insert(owned, descriptor);
+    }
+    return ::fstatat(*found, name.constData() + slash + 1, &status, 0);
+}
+
 RealDiskInterface::Entry &RealDiskInterface::entry(const QString &path)
 {
     auto found = m_entries.find(path);
@@ -23,9 +57,8 @@ RealDiskInterface::Entry &RealDiskInterface::entry(const QString &path)
     Entry fresh;
     struct stat status;
     ++m_statCount;
-    const QByteArray name = QFile::encodeName(path);
     // Directories and other non-files count as missing: nothing a build makes or reads is one.
-    if (::stat(name.constData(), &status) == 0 && !S_ISDIR(status.st_mode)) {
+    if (statFile(QFile::encodeName(path), status) == 0 && !S_ISDIR(status.st_mode)) {
         const qint64 milliseconds =
             qint64(status.st_mtim.tv_sec) * 1000 + status.st_mtim.tv_nsec / 1000000;
         fresh.modified = QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
@@ -91,6 +124,8 @@ void RealDiskInterface::invalidate(const QString &path)
 void RealDiskInterface::invalidateAll()
 {
     m_entries.clear();
+    // A command may have removed or replaced a directory that is held open.
+    closeDirectories();
 }
 
 bool RealDiskInterface::writeFile(const QString &path, const QByteArray &contents)

@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QString>
 
+struct stat;
+
 /// What the build engine asks of the file system: times, existence, reading and removing.
 /// The engine goes through this seam only, so its decisions can be tested against a disk held
 /// in memory.
@@ -34,6 +36,10 @@ public:
 class RealDiskInterface : public DiskInterface
 {
 public:
+    RealDiskInterface() = default;
+    RealDiskInterface(const RealDiskInterface &) = delete;
+    RealDiskInterface &operator=(const RealDiskInterface &) = delete;
+    ~RealDiskInterface() override;
     QDateTime modified(const QString &path) override;
     bool isReadable(const QString &path) override;
     bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) override;
@@ -52,7 +58,12 @@ private:
         int readable = -1;  ///< -1 not asked yet, else 0 or 1
     };
     Entry &entry(const QString &path);
+    /// stat() of the file `name`, through an open descriptor of its directory.
+    int statFile(const QByteArray &name, struct stat &status);
+    void closeDirectories();
 
+    static constexpr qsizetype maximumOpenDirectories = 256;
     QHash<QString, Entry> m_entries;
+    QHash<QByteArray, int> m_directories;
     qint64 m_statCount = 0;
 };
