@@ -370,22 +370,21 @@ bool BuildSystem::justBuilt(ProjectElement *element, const QString &configuratio
 
 // Macros and settings.
 
-QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QString &configuration)
+QMap<QString, QString> BuildSystem::projectLevelMacros(ProjectElement *element,
+                                                       const QString &configuration,
+                                                       const QString &projectMacros,
+                                                       const QString &platform)
 {
-    QMap<QString, QString> map = macroSystem.globalMacros(true);
+    QMap<QString, QString> map = macroSystem.overwriteMacros(
+        macroSystem.globalMacros(true),
+        macroSystem.macrosFromStringList(MacroSystem::stringListFromString(projectMacros)));
 
-    const QString projectMacros =
-        projectSystem->settingFor(element, projectSystem->macrosClass, configuration);
-    map = macroSystem.overwriteMacros(
-        map, macroSystem.macrosFromStringList(MacroSystem::stringListFromString(projectMacros)));
-
-    map.insert(QStringLiteral("ProjectNodeName"), nameOf(element));
     if (ProjectElement *project = ProjectSystem::projectContaining(element)) {
         map.insert(QStringLiteral("ProjectDir"), ProjectSystem::projectDirectoryPath(project));
         map.insert(QStringLiteral("ProjectName"), nameOf(project));
     }
     map.insert(QStringLiteral("Configuration"), configuration);
-    map.insert(QStringLiteral("Platform"), projectSystem->platform(element).toLower());
+    map.insert(QStringLiteral("Platform"), platform);
 
     ProjectElement *solution = ProjectSystem::solutionContaining(element);
     const QFileInfo solutionFile(solution ? solution->path().filePath() : QString());
@@ -398,6 +397,34 @@ QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QStrin
                haveSolutionFile ? solutionFile.absoluteFilePath() : QString());
     map.insert(QStringLiteral("SolutionExt"), solutionFile.completeSuffix());
 
+    map.insert(QStringLiteral("OBJ"), projectSystem->objectFileExtension());
+    map.insert(QStringLiteral("EXE"), projectSystem->executableFileExtension());
+    map.insert(QStringLiteral("LIB"), projectSystem->libraryFileExtension());
+    map.insert(QStringLiteral("PackageExt"), QStringLiteral("hdq"));
+    return map;
+}
+
+QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QString &configuration)
+{
+    const QString projectMacros =
+        projectSystem->settingFor(element, projectSystem->macrosClass, configuration);
+    const QString platform = projectSystem->platform(element).toLower();
+    // What the project gives is the same for each of its files, so during a build it is worked
+    // out once for the files of a project; the element's own macros follow.
+    ProjectElement *project = ProjectSystem::projectContaining(element);
+    QMap<QString, QString> map;
+    ProjectMacros &known = m_projectMacros;
+    if (m_buildSerial && known.serial == m_buildSerial && known.project == project &&
+        known.configuration == configuration && known.settings == projectMacros &&
+        known.platform == platform) {
+        map = known.map;
+    } else {
+        map = projectLevelMacros(element, configuration, projectMacros, platform);
+        if (m_buildSerial)
+            known = {m_buildSerial, project, configuration, projectMacros, platform, map};
+    }
+
+    map.insert(QStringLiteral("ProjectNodeName"), nameOf(element));
     if (element && element->type() == ProjectElement::File) {
         const QFileInfo input(element->filePath());
         map.insert(QStringLiteral("InputDir"), input.path());
@@ -408,10 +435,6 @@ QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QStrin
         map.insert(QStringLiteral("RelInputPath"), element->relativePath());
     }
 
-    map.insert(QStringLiteral("OBJ"), projectSystem->objectFileExtension());
-    map.insert(QStringLiteral("EXE"), projectSystem->executableFileExtension());
-    map.insert(QStringLiteral("LIB"), projectSystem->libraryFileExtension());
-    map.insert(QStringLiteral("PackageExt"), QStringLiteral("hdq"));
     map.insert(QStringLiteral("IntDir"),
                dotify(macroSystem.replaceMacros(
                    map, projectSystem->settingFor(element, buildIntermediateDirectoryProperty,

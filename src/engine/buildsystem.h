@@ -199,6 +199,12 @@ private:
     bool projectBuildConfiguration(ProjectElement *project, const QString &configuration,
                                    Builder *builder, int type, bool batch,
                                    const QString &batchConfiguration);
+    /// The global macros, then `projectMacros` (the element's macros setting), then those
+    /// that the project and solution of `element` and `configuration` define.
+    QMap<QString, QString> projectLevelMacros(ProjectElement *element,
+                                              const QString &configuration,
+                                              const QString &projectMacros,
+                                              const QString &platform);
     /// The place of `project` in `configuration` among the builds under way, or -1.
     qsizetype inProgressIndex(const ProjectElement *project, const QString &configuration) const;
     /// Says, once per build, that the builds under way from `start` on form a cycle.
@@ -223,6 +229,18 @@ private:
     ProjectElement *m_macroSetElement = nullptr;
     QString m_macroSetConfiguration;
     QMap<QString, QString> m_macroSet;
+    /// The macros a project gives its elements, kept during a build for the project last
+    /// asked about.
+    struct ProjectMacros
+    {
+        quint64 serial = 0;
+        ProjectElement *project = nullptr;
+        QString configuration;
+        QString settings;
+        QString platform;
+        QMap<QString, QString> map;
+    };
+    ProjectMacros m_projectMacros;
 };
 
 /// The process-wide build system; made by the build request, never destroyed.
