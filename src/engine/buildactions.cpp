@@ -27,6 +27,29 @@ QString projectDirectoryOf(const ProjectElement *element)
 
 BuildAction StandardBuildSystem::buildAction(ProjectElement *element, const QString &configuration)
 {
+    // The walk, the steps and the outputs each ask for the action of a file; during a build
+    // the answer can't change.
+    if (!buildSerial())
+        return actionOf(element, configuration);
+    forgetEarlierBuilds();
+    const OutputKey key{element, -1, configuration};
+    auto known = m_actions.constFind(key);
+    if (known == m_actions.cend())
+        known = m_actions.insert(key, actionOf(element, configuration));
+    return *known;
+}
+
+void StandardBuildSystem::forgetEarlierBuilds()
+{
+    if (buildSerial() != m_outputsSerial) {
+        m_outputs.clear();
+        m_actions.clear();
+        m_outputsSerial = buildSerial();
+    }
+}
+
+BuildAction StandardBuildSystem::actionOf(ProjectElement *element, const QString &configuration)
+{
     if (!element)
         return ActionNone;
     if (element->type() == ProjectElement::Project) {
@@ -81,10 +104,7 @@ QString StandardBuildSystem::output(BuildAction action, ProjectElement *element,
 {
     if (!element)
         return QString();
-    if (buildSerial() != m_outputsSerial) {
-        m_outputs.clear();
-        m_outputsSerial = buildSerial();
-    }
+    forgetEarlierBuilds();
     const OutputKey key{element, int(action), configuration};
     auto known = buildSerial() ? m_outputs.constFind(key) : m_outputs.cend();
     QString result;

@@ -182,9 +182,13 @@ int BuildSystem::build(ProjectElement *element, const QString &configuration, Bu
         explicit BuildScope(BuildSystem *system) : system(system)
         {
             system->m_buildSerial = ++system->m_lastBuildSerial;
+            if (projectSystem)
+                projectSystem->setSettingsSteady(true);
         }
         ~BuildScope()
         {
+            if (projectSystem)
+                projectSystem->setSettingsSteady(false);
             system->m_buildSerial = 0;
             system->m_macroSet.clear();
             system->m_disk->invalidateAll();

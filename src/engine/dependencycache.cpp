@@ -7,6 +7,7 @@
 #include <QtEndian>
 
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -99,7 +100,13 @@ quint32 DependencyCache::intern(const QString &name)
 
 DependencyCache::Directory &DependencyCache::directoryOf(const QString &object)
 {
+    const qsizetype length = m_lastDirectoryName.size();
+    if (m_lastDirectory && object.size() > length && object.startsWith(m_lastDirectoryName) &&
+        object.at(length) == QLatin1Char('/') && object.indexOf(QLatin1Char('/'), length + 1) < 0)
+        return *m_lastDirectory;
     const QString directory = directoryPart(object);
+    // Entering a directory may move the others in memory.
+    m_lastDirectory = nullptr;
     Directory &known = m_directories[directory];
     if (!known.loaded) {
         known.loaded = true;
@@ -107,7 +114,12 @@ DependencyCache::Directory &DependencyCache::directoryOf(const QString &object)
         if (disk().readFile(cacheFilePath(directory), maximumCacheFileSize, bytes))
             parse(directory, bytes);
     }
-    return known;
+    Directory &entered = m_directories[directory];
+    if (directory.size() > 1) {
+        m_lastDirectoryName = directory;
+        m_lastDirectory = &entered;
+    }
+    return entered;
 }
 
 qint64 DependencyCache::dependencyFileTime(const QString &object)
@@ -116,18 +128,57 @@ qint64 DependencyCache::dependencyFileTime(const QString &object)
     return modified.isValid() ? modified.toMSecsSinceEpoch() : -1;
 }
 
-QStringList DependencyCache::value(const QString &object)
+const DependencyCache::Entry *DependencyCache::currentEntry(const QString &object)
 {
     const Directory &directory = directoryOf(object);
     const auto found = directory.entries.constFind(object);
     if (found == directory.entries.constEnd() ||
         found->dependencyFileTime != dependencyFileTime(object))
+        return nullptr;
+    return &*found;
+}
+
+QStringList DependencyCache::value(const QString &object)
+{
+    const Entry *found = currentEntry(object);
+    if (!found)
         return QStringList();
     QStringList list;
     list.reserve(qsizetype(found->names.size()));
     for (const quint32 number : found->names)
         list.append(m_names.at(qsizetype(number)));
     return list;
+}
+
+bool DependencyCache::noneNewer(const QString &object, const QDateTime &objectTime)
+{
+    constexpr qint64 unknown = std::numeric_limits<qint64>::min();
+    constexpr qint64 missing = unknown + 1;
+    const Entry *found = objectTime.isValid() ? currentEntry(object) : nullptr;
+    if (!found)
+        return false;
+    DiskInterface &files = disk();
+    if (m_timesGeneration != files.generation()) {
+        m_times.assign(m_times.size(), unknown);
+        m_timesGeneration = files.generation();
+    }
+    if (m_times.size() < size_t(m_names.size()))
+        m_times.resize(size_t(m_names.size()), unknown);
+    const qint64 limit = objectTime.toMSecsSinceEpoch();
+    for (const quint32 name : found->names) {
+        qint64 &time = m_times[name];
+        if (time == unknown) {
+            // A relative name would be resolved against the caller's directory.
+            const QString &path = m_names.at(qsizetype(name));
+            if (!path.startsWith(QLatin1Char('/')))
+                return false;
+            const QDateTime modified = files.modified(path);
+            time = modified.isValid() ? modified.toMSecsSinceEpoch() : missing;
+        }
+        if (time == missing || time > limit)
+            return false;
+    }
+    return true;
 }
 
 bool DependencyCache::holds(const Entry &entry, qint64 dependencyFileTime,
@@ -170,6 +221,7 @@ void DependencyCache::remove(const QString &object)
 
 void DependencyCache::clear()
 {
+    m_lastDirectory = nullptr;
     m_directories.clear();
 }
 
@@ -262,6 +314,7 @@ bool DependencyCache::parse(const QString &directory, const QByteArray &bytes)
     }
     if (!reader.atEnd())
         return false;
+    m_lastDirectory = nullptr;
     m_directories[directory].entries = std::move(entries);
     return true;
 }

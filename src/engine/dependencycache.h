@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -27,6 +28,11 @@ public:
     /// changed since. Reads the cache file of the object's directory the first time it is
     /// asked about that directory.
     QStringList value(const QString &object);
+    /// Whether every dependency kept for `object` exists and none is newer than `objectTime`.
+    /// The times come from the disk but are remembered by name for as long as its answers
+    /// hold, so that the headers many objects share are looked up once. False also when that
+    /// can't be told from what is kept; the list itself must then be looked at.
+    bool noneNewer(const QString &object, const QDateTime &objectTime);
     /// Keeps `dependencies` for `object`, stamped with its dependency file's present time.
     void insert(const QString &object, const QStringList &dependencies);
     /// Forgets `object`: it is out of date.
@@ -67,7 +73,17 @@ private:
                const QStringList &dependencies) const;
     qint64 dependencyFileTime(const QString &object);
 
+    /// The entry of `object` if it is there and its dependency file has the time it had.
+    const Entry *currentEntry(const QString &object);
+
     QHash<QString, Directory> m_directories;
+    /// The directory last asked about (objects come a directory at a time), or null.
+    QString m_lastDirectoryName;
+    Directory *m_lastDirectory = nullptr;
+    /// The times of names as `noneNewer` last saw them, by number, while the disk says the
+    /// same.
+    std::vector<qint64> m_times;
+    quint64 m_timesGeneration = 0;
     QStringList m_names;
     QHash<QString, quint32> m_nameNumbers;
     DiskInterface *m_disk = nullptr;

@@ -118,11 +118,13 @@ bool RealDiskInterface::removeFile(const QString &path)
 
 void RealDiskInterface::invalidate(const QString &path)
 {
+    changed();
     m_entries.remove(path);
 }
 
 void RealDiskInterface::invalidateAll()
 {
+    changed();
     m_entries.clear();
     // A command may have removed or replaced a directory that is held open.
     closeDirectories();

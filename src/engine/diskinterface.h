@@ -30,6 +30,18 @@ public:
     virtual void invalidate(const QString &path) = 0;
     /// Forgets everything known: a command with unknown effects has run, or a build starts.
     virtual void invalidateAll() = 0;
+
+    /// A number that changes whenever what this disk said of any file may no longer hold
+    /// (a file was invalidated, written or removed), so that callers can keep answers of their
+    /// own while it stays the same.
+    quint64 generation() const { return m_generation; }
+
+protected:
+    /// Tells callers that earlier answers may no longer hold.
+    void changed() { ++m_generation; }
+
+private:
+    quint64 m_generation = 0;
 };
 
 /// The real file system, each file looked at once until it is invalidated.

@@ -169,11 +169,15 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
     const BuildSignature signature = commandSignature(file, configuration, action, {input});
     if (present && !force) {
         QStringList dependencies = dependencyCache.value(absolute);
+        // A kept list whose files are all known to be older needs no look at each name; any
+        // other answer is worked out, and told, name by name.
+        const bool current = !dependencies.isEmpty() && dependencyCache.noneNewer(absolute, modified);
         if (dependencies.isEmpty())
             dependencies = getObjectFileDependencies(buildDirectory, input, absolute);
         if (dependencies.isEmpty())
             dependencies.append(file->path().canonicalPathQString());
-        if (upToDate(buildDirectory, objectFile, modified, dependencies, builder, flags.quiet) &&
+        if ((current ||
+             upToDate(buildDirectory, objectFile, modified, dependencies, builder, flags.quiet)) &&
             commandUpToDate(file, configuration, modified, action, builder, flags.quiet) &&
             recordUpToDate(objectFile, signature, builder, flags.quiet)) {
             dependencyCache.insert(absolute, dependencies);

@@ -27,11 +27,20 @@ QString sideFilePath(const QString &file, const QString &extension)
 
 QString dependencyFilePath(const QString &objectPath)
 {
+    // Asked for each object of every build, so made with one allocation.
     const qsizetype slash = objectPath.lastIndexOf(QLatin1Char('/'));
-    const QString fileName = objectPath.mid(slash + 1);
-    const qsizetype dot = fileName.indexOf(QLatin1Char('.'));
-    return directoryOf(objectPath, slash) + QLatin1Char('/') +
-           (dot < 0 ? fileName : fileName.left(dot)) + QStringLiteral(".d");
+    const qsizetype dot = objectPath.indexOf(QLatin1Char('.'), slash + 1);
+    const qsizetype end = dot < 0 ? objectPath.size() : dot;
+    QString path;
+    path.reserve(end + 4);
+    // The directory as QFileInfo::path() gives it, then "/": "./" without one, "//" at the root.
+    if (slash < 0)
+        path += QLatin1String("./");
+    else if (slash == 0)
+        path += QLatin1Char('/');
+    path += QStringView(objectPath).first(end);
+    path += QLatin1String(".d");
+    return path;
 }
 
 QString linkerScriptPath(const QString &projectDirectory, const QString &intermediateDirectory,

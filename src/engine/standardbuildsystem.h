@@ -276,7 +276,13 @@ private:
     /// The outputs worked out in the build `m_outputsSerial`: the link asks again for every
     /// object the compile steps named.
     QHash<OutputKey, QString> m_outputs;
+    /// The actions worked out in that build, under the action -1.
+    QHash<OutputKey, BuildAction> m_actions;
     quint64 m_outputsSerial = 0;
+    /// Empties both when a build other than the one they were worked out in is under way.
+    void forgetEarlierBuilds();
+    /// `buildAction` worked out afresh.
+    BuildAction actionOf(ProjectElement *element, const QString &configuration);
 
     /// Reads the record of the project of `element` unless it is the one held; writes the
     /// held one first if it changed.

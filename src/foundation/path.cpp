@@ -35,6 +35,9 @@ QString Path::toCanonicalPath(const QString &path)
 // the search position, which is where every removal ends.
 void Path::removeRelativePaths(QString &text)
 {
+    // Only a "." after a "/" or a second "/" changes anything; most names have neither.
+    if (!text.contains(QLatin1String("/.")) && !text.contains(QLatin1String("//")))
+        return;
     const QChar dot = QLatin1Char('.');
     const QChar slash = QLatin1Char('/');
     QString out;

@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QHash>
 #include <QMap>
 #include <QObject>
 #include <QSet>
@@ -232,6 +233,9 @@ public:
     QString settingFor(ProjectElement *element, const PropertyClass *propertyClass,
                        const QString &configuration,
                        PropertyInheritanceInformation *trace = nullptr) const;
+    /// Tells that settings can't change until told otherwise (a build is under way), so that
+    /// `settingFor` may remember its answers; false forgets them.
+    void setSettingsSteady(bool steady);
     /// The value stored on `element` itself in `configuration`, or a null string.
     static QString specificSettingFor(ProjectElement *element, const PropertyClass *propertyClass,
                                       const QString &configuration);
@@ -336,6 +340,36 @@ private:
     void buildOrderFrom(ProjectElement *project, const QString &configuration,
                         QList<ProjectElement *> &list, QSet<ProjectElement *> &done,
                         QList<DependencyCycle> *cycles) const;
+
+    /// What `settingFor` answered while settings were steady, by the element its walk first
+    /// finds settings on (elements without any of their own pass the question up unchanged).
+    struct SettingKey
+    {
+        const ProjectElement *element;
+        const PropertyClass *propertyClass;
+        QString configuration;
+        bool operator==(const SettingKey &other) const
+        {
+            return element == other.element && propertyClass == other.propertyClass &&
+                   configuration == other.configuration;
+        }
+        friend size_t qHash(const SettingKey &key, size_t seed = 0)
+        {
+            return qHashMulti(seed, key.element, key.propertyClass, key.configuration);
+        }
+    };
+    /// `settingFor` worked out by walking the tree.
+    QString resolveSetting(ProjectElement *element, const PropertyClass *propertyClass,
+                           const QString &configuration,
+                           PropertyInheritanceInformation *trace) const;
+    /// `element` or the nearest element above it that has settings of its own, or null.
+    static ProjectElement *anchorAbove(ProjectElement *element);
+    /// The values that the walk from `anchor` finds, in order (one at most for a setting that
+    /// isn't a list), kept while settings are steady.
+    const QStringList &steadyValues(ProjectElement *anchor, const PropertyClass *propertyClass,
+                                    const QString &configuration) const;
+    mutable QHash<SettingKey, QStringList> m_steadySettings;
+    bool m_settingsSteady = false;
 
     std::vector<std::unique_ptr<PropertyClass>> m_catalogue;
     ProjectElement *m_rootSolution = nullptr;

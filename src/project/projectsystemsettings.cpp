@@ -71,9 +71,79 @@ private:
 
 } // namespace
 
+void ProjectSystem::setSettingsSteady(bool steady)
+{
+    m_settingsSteady = steady;
+    m_steadySettings.clear();
+}
+
 QString ProjectSystem::settingFor(ProjectElement *element, const PropertyClass *propertyClass,
                                   const QString &configuration,
                                   PropertyInheritanceInformation *trace) const
+{
+    if (!m_settingsSteady || trace)
+        return resolveSetting(element, propertyClass, configuration, trace);
+    QString result;
+    for (const QString &value : steadyValues(anchorAbove(element), propertyClass, configuration)) {
+        if (result.isEmpty())
+            result = value;
+        else
+            result += QLatin1Char(';') + value;
+    }
+    return result.isNull() ? propertyClass->defaultValue() : result;
+}
+
+ProjectElement *ProjectSystem::anchorAbove(ProjectElement *element)
+{
+    while (element && !element->hasConfigurationChildren())
+        element = element->parent();
+    return element;
+}
+
+const QStringList &ProjectSystem::steadyValues(ProjectElement *anchor,
+                                               const PropertyClass *propertyClass,
+                                               const QString &configuration) const
+{
+    // The walk of `resolveSetting` skips elements without settings of their own, and what it
+    // finds above an element is the same whichever element below it asked; so the values
+    // found from each element that has settings are kept, and the thousands of files of a
+    // build share their project's.
+    static const QStringList none;
+    if (!anchor)
+        return none;
+    const SettingKey key{anchor, propertyClass, configuration};
+    auto known = m_steadySettings.constFind(key);
+    if (known != m_steadySettings.cend())
+        return *known;
+
+    const bool list = propertyClass->type() == PropertyClass::StringList;
+    const QString saveName = propertyClass->saveName();
+    QStringList values;
+    auto take = [&](const QString &name) {
+        QString value;
+        if (!anchor->getProperty(name, saveName, value, nullptr))
+            return false;
+        values.append(value);
+        return !list;
+    };
+    bool done = take(configuration);
+    if (!done && configuration != common()) {
+        for (const QString &name : inheritedListFrom(anchor->nearest(ProjectElement::Solution),
+                                                     configuration)) {
+            if ((done = take(name)))
+                break;
+        }
+        done = done || take(common());
+    }
+    if (!done)
+        values += steadyValues(anchorAbove(anchor->parent()), propertyClass, configuration);
+    return *m_steadySettings.insert(key, values);
+}
+
+QString ProjectSystem::resolveSetting(ProjectElement *element,
+                                      const PropertyClass *propertyClass,
+                                      const QString &configuration,
+                                      PropertyInheritanceInformation *trace) const
 {
     QString result;
     const bool list = propertyClass->type() == PropertyClass::StringList;

@@ -18,6 +18,7 @@ protected:
     void loadBuilt()
     {
         disk->files.clear();
+        disk->invalidateAll();
         load(projectXml("App",
                         "project_type=\"Executable\" project_dependencies=\"Lib\" "
                         "linker_output_format=\"None\" linker_map_file=\"No\"",

@@ -13,11 +13,13 @@ public:
     /// Makes `path` a file modified at `time` (any clock: only order counts), with `contents`.
     void touch(const QString &path, qint64 time, const QByteArray &contents = QByteArray())
     {
+        changed();
         files.insert(path, time);
         this->contents.insert(path, contents);
     }
     void erase(const QString &path)
     {
+        changed();
         files.remove(path);
         contents.remove(path);
     }
@@ -52,8 +54,8 @@ public:
         touch(path, 0, data);
         return true;
     }
-    void invalidate(const QString &) override {}
-    void invalidateAll() override {}
+    void invalidate(const QString &) override { changed(); }
+    void invalidateAll() override { changed(); }
 
     QHash<QString, qint64> files;
     QHash<QString, QByteArray> contents;
