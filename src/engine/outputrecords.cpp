@@ -44,11 +44,13 @@ BuildSignature StandardBuildSystem::commandSignature(ProjectElement *element,
         m_signatureConfiguration = configuration;
     }
     // Settings are found on the elements that have configurations of their own, so every
-    // element below the same one has the same values, and shares one list of them.
-    ProjectElement *owner = element;
-    while (owner && !owner->hasConfigurationChildren())
-        owner = owner->parent();
-    QStringList &settings = m_settingsSignatures[owner ? owner : element][int(action)];
+    // element below the same one has the same values, and shares one list of them. A file
+    // with settings of its own is the only one with its list, which isn't kept.
+    ProjectElement *owner = ProjectSystem::settingsOwner(element);
+    QStringList ownList;
+    QStringList &settings = owner && owner->type() == ProjectElement::File
+                                ? ownList
+                                : m_settingsSignatures[owner ? owner : element][int(action)];
     if (settings.isEmpty()) {
         const QList<const PropertyClass *> properties = commandProperties(action);
         settings.reserve(properties.size() + m_toolSignature.size());

@@ -68,6 +68,10 @@ bool StandardBuildSystem::platformBuild(ProjectElement *element, const QString &
                                         Builder *builder, int type)
 {
     buildDirectory = ProjectSystem::projectDirectoryPath(ProjectSystem::projectContaining(element));
+    // What was kept of the files of other projects is rarely asked again; it would only
+    // hold memory.
+    m_outputs.clear();
+    m_actions.clear();
     const QString groupFile =
         settingForExpanded(element, propertyGroupsFilePathProperty, configuration);
     if (!groupFile.isEmpty())

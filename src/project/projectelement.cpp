@@ -4,6 +4,8 @@
 #include "project/projectsystem.h"
 #include "xml/xmlelement.h"
 
+#include <QHash>
+
 namespace {
 
 const QString nameAttribute = QStringLiteral("Name");
@@ -225,10 +227,15 @@ void ProjectElement::eraseAttribute(const QString &name)
 
 void ProjectElement::setAttributesFrom(const XMLElement *xml)
 {
+    // A solution names a few dozen attributes on thousands of elements; each name is held once.
+    static QHash<QByteArray, QString> names;
     for (const XMLElement::Attribute &attribute :
          const_cast<XMLElement *>(xml)->getAttributeList()) {
-        m_attributes.insert(QString::fromLatin1(attribute.first),
-                            nonNull(QString::fromLatin1(attribute.second)));
+        const QByteArray raw = QByteArray::fromRawData(attribute.first, qstrlen(attribute.first));
+        auto name = names.constFind(raw);
+        if (name == names.cend())
+            name = names.insert(QByteArray(raw.constData(), raw.size()), QString::fromLatin1(raw));
+        m_attributes.insert(*name, nonNull(QString::fromLatin1(attribute.second)));
     }
 }
 
@@ -346,7 +353,13 @@ void ProjectElement::doFileStuff(const QFileInfo &info)
         while (project->m_parent)
             project = project->m_parent;
     }
+    // The files of a project come one after another; they share one copy of its directory.
+    static QString lastProjectDirectory;
     m_projectDirectory = ProjectSystem::projectDirectoryPath(project);
+    if (m_projectDirectory == lastProjectDirectory)
+        m_projectDirectory = lastProjectDirectory;
+    else
+        lastProjectDirectory = m_projectDirectory;
     QString relative;
     bool hasRelativeForm = true;
     if (info.isRelative())

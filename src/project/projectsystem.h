@@ -233,6 +233,9 @@ public:
     QString settingFor(ProjectElement *element, const PropertyClass *propertyClass,
                        const QString &configuration,
                        PropertyInheritanceInformation *trace = nullptr) const;
+    /// The element whose settings `element` sees first: itself or the nearest element above
+    /// it with settings of its own; null when there is none.
+    static ProjectElement *settingsOwner(ProjectElement *element);
     /// Tells that settings can't change until told otherwise (a build is under way), so that
     /// `settingFor` may remember its answers; false forgets them.
     void setSettingsSteady(bool steady);
@@ -362,13 +365,13 @@ private:
     QString resolveSetting(ProjectElement *element, const PropertyClass *propertyClass,
                            const QString &configuration,
                            PropertyInheritanceInformation *trace) const;
-    /// `element` or the nearest element above it that has settings of its own, or null.
-    static ProjectElement *anchorAbove(ProjectElement *element);
     /// The values that the walk from `anchor` finds, in order (one at most for a setting that
     /// isn't a list), kept while settings are steady.
     const QStringList &steadyValues(ProjectElement *anchor, const PropertyClass *propertyClass,
                                     const QString &configuration) const;
     mutable QHash<SettingKey, QStringList> m_steadySettings;
+    /// The values last found from a file, which are not kept.
+    mutable QStringList m_fileValues;
     bool m_settingsSteady = false;
 
     std::vector<std::unique_ptr<PropertyClass>> m_catalogue;

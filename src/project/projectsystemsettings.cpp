@@ -84,7 +84,7 @@ QString ProjectSystem::settingFor(ProjectElement *element, const PropertyClass *
     if (!m_settingsSteady || trace)
         return resolveSetting(element, propertyClass, configuration, trace);
     QString result;
-    for (const QString &value : steadyValues(anchorAbove(element), propertyClass, configuration)) {
+    for (const QString &value : steadyValues(settingsOwner(element), propertyClass, configuration)) {
         if (result.isEmpty())
             result = value;
         else
@@ -93,7 +93,7 @@ QString ProjectSystem::settingFor(ProjectElement *element, const PropertyClass *
     return result.isNull() ? propertyClass->defaultValue() : result;
 }
 
-ProjectElement *ProjectSystem::anchorAbove(ProjectElement *element)
+ProjectElement *ProjectSystem::settingsOwner(ProjectElement *element)
 {
     while (element && !element->hasConfigurationChildren())
         element = element->parent();
@@ -136,7 +136,13 @@ const QStringList &ProjectSystem::steadyValues(ProjectElement *anchor,
         done = done || take(common());
     }
     if (!done)
-        values += steadyValues(anchorAbove(anchor->parent()), propertyClass, configuration);
+        values += steadyValues(settingsOwner(anchor->parent()), propertyClass, configuration);
+    // A file with settings of its own is asked about once or twice a build: keeping its
+    // answers would only cost memory.
+    if (anchor->type() == ProjectElement::File) {
+        m_fileValues = values;
+        return m_fileValues;
+    }
     return *m_steadySettings.insert(key, values);
 }
 
