@@ -408,47 +408,62 @@ QMap<QString, QString> BuildSystem::projectLevelMacros(ProjectElement *element,
     return map;
 }
 
-QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QString &configuration)
+const QMap<QString, QString> &BuildSystem::projectMacroBase(ProjectElement *element,
+                                                            const QString &configuration)
 {
     const QString projectMacros =
         projectSystem->settingFor(element, projectSystem->macrosClass, configuration);
     const QString platform = projectSystem->platform(element).toLower();
     // What the project gives is the same for each of its files, so during a build it is worked
-    // out once for the files of a project; the element's own macros follow.
+    // out once for the files of a project.
     ProjectElement *project = ProjectSystem::projectContaining(element);
-    QMap<QString, QString> map;
     ProjectMacros &known = m_projectMacros;
-    if (m_buildSerial && known.serial == m_buildSerial && known.project == project &&
-        known.configuration == configuration && known.settings == projectMacros &&
-        known.platform == platform) {
-        map = known.map;
-    } else {
-        map = projectLevelMacros(element, configuration, projectMacros, platform);
-        if (m_buildSerial)
-            known = {m_buildSerial, project, configuration, projectMacros, platform, map};
-    }
+    if (!(m_buildSerial && known.serial == m_buildSerial && known.project == project &&
+          known.configuration == configuration && known.settings == projectMacros &&
+          known.platform == platform))
+        known = {m_buildSerial, project, configuration, projectMacros, platform,
+                 projectLevelMacros(element, configuration, projectMacros, platform)};
+    return known.map;
+}
 
-    map.insert(QStringLiteral("ProjectNodeName"), nameOf(element));
+QMap<QString, QString> BuildSystem::elementMacros(ProjectElement *element,
+                                                  const QString &configuration,
+                                                  const QMap<QString, QString> &base)
+{
+    QMap<QString, QString> own;
+    own.insert(QStringLiteral("ProjectNodeName"), nameOf(element));
     if (element && element->type() == ProjectElement::File) {
         const QFileInfo input(element->filePath());
-        map.insert(QStringLiteral("InputDir"), input.path());
-        map.insert(QStringLiteral("InputName"), input.baseName());
-        map.insert(QStringLiteral("InputFileName"), input.fileName());
-        map.insert(QStringLiteral("InputExt"), input.completeSuffix());
-        map.insert(QStringLiteral("InputPath"), input.absoluteFilePath());
-        map.insert(QStringLiteral("RelInputPath"), element->relativePath());
+        own.insert(QStringLiteral("InputDir"), input.path());
+        own.insert(QStringLiteral("InputName"), input.baseName());
+        own.insert(QStringLiteral("InputFileName"), input.fileName());
+        own.insert(QStringLiteral("InputExt"), input.completeSuffix());
+        own.insert(QStringLiteral("InputPath"), input.absoluteFilePath());
+        own.insert(QStringLiteral("RelInputPath"), element->relativePath());
     }
 
-    map.insert(QStringLiteral("IntDir"),
+    own.insert(QStringLiteral("IntDir"),
                dotify(macroSystem.replaceMacros(
-                   map, projectSystem->settingFor(element, buildIntermediateDirectoryProperty,
-                                                  configuration))));
-    map.insert(
-        QStringLiteral("OutDir"),
-        dotify(macroSystem.replaceMacros(
-            map, projectSystem->settingFor(element, buildOutputDirectoryProperty, configuration))));
+                   own, base,
+                   projectSystem->settingFor(element, buildIntermediateDirectoryProperty,
+                                             configuration))));
+    own.insert(QStringLiteral("OutDir"),
+               dotify(macroSystem.replaceMacros(
+                   own, base,
+                   projectSystem->settingFor(element, buildOutputDirectoryProperty,
+                                             configuration))));
 
-    addMacros(element, configuration, map);
+    addMacros(element, configuration, own);
+    return own;
+}
+
+QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QString &configuration)
+{
+    // A copy: the base may be replaced by the next project's while the set is in use.
+    QMap<QString, QString> map = projectMacroBase(element, configuration);
+    const QMap<QString, QString> own = elementMacros(element, configuration, map);
+    for (auto it = own.cbegin(); it != own.cend(); ++it)
+        map.insert(it.key(), it.value());
     return map;
 }
 
@@ -468,7 +483,18 @@ const QMap<QString, QString> &BuildSystem::macroSet(ProjectElement *element,
 QString BuildSystem::replaceMacros(ProjectElement *element, const QString &text,
                                    const QString &configuration)
 {
-    return macroSystem.replaceMacros(macroSet(element, configuration), text);
+    // A file's macros are its project's with its own laid over them (tool chains add macros to
+    // projects only): expanded as such, no whole set is made for each of thousands of files.
+    if (!m_buildSerial || !element || element->type() != ProjectElement::File)
+        return macroSystem.replaceMacros(macroSet(element, configuration), text);
+    FileMacros &file = m_fileMacros;
+    if (!(file.serial == m_buildSerial && file.element == element &&
+          file.configuration == configuration)) {
+        const QMap<QString, QString> &base = projectMacroBase(element, configuration);
+        file = {m_buildSerial, element, configuration, base,
+                elementMacros(element, configuration, base)};
+    }
+    return macroSystem.replaceMacros(file.own, file.base, text);
 }
 
 QString BuildSystem::settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,

@@ -58,6 +58,9 @@ public:
     virtual void getDependencies(ProjectElement *element, const QString &configuration,
                                  QStringList &dependencies) = 0;
     /// The macro set of `element` in `configuration`: global, project and computed macros.
+    /// A layer that adds macros here adds them to projects; a file's macros are its project's
+    /// and its own (those of `addMacros` among them), which `replaceMacros` lays over one
+    /// another rather than making the whole set for each file.
     QMap<QString, QString> macros(ProjectElement *element, const QString &configuration) override;
     /// Whether `element`'s output can be loaded onto a target.
     virtual bool canLoad(ProjectElement *element, const QString &configuration) = 0;
@@ -241,6 +244,25 @@ private:
         QMap<QString, QString> map;
     };
     ProjectMacros m_projectMacros;
+    /// The macros of the file last expanded for during a build: its project's (shared with
+    /// the project base) and its own.
+    struct FileMacros
+    {
+        quint64 serial = 0;
+        ProjectElement *element = nullptr;
+        QString configuration;
+        QMap<QString, QString> base;
+        QMap<QString, QString> own;
+    };
+    FileMacros m_fileMacros;
+    /// The macros that `element`'s project gives it (`projectLevelMacros`), kept during a
+    /// build for the project last asked about.
+    const QMap<QString, QString> &projectMacroBase(ProjectElement *element,
+                                                   const QString &configuration);
+    /// The macros of `element` itself, worked out over `base`: its name, a file's Input
+    /// macros, IntDir, OutDir and those `addMacros` adds.
+    QMap<QString, QString> elementMacros(ProjectElement *element, const QString &configuration,
+                                         const QMap<QString, QString> &base);
 };
 
 /// The process-wide build system; made by the build request, never destroyed.

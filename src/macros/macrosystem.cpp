@@ -46,10 +46,22 @@ std::vector<qsizetype> closingParentheses(const QString &text)
     return closing;
 }
 
-/// One pass over `text`. Sets `nested` if a reference holds a "$". False if the result grew
-/// beyond `maxLength`, which abandons the pass.
-bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, qsizetype maxLength,
-                QString &result, bool &nested)
+/// The value of a macro in a set laid over another, or null when neither has it.
+const QString *findMacro(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMap *base,
+                         const QString &name)
+{
+    auto found = overlay.constFind(name);
+    if (found != overlay.cend())
+        return &found.value();
+    if (base && (found = base->constFind(name)) != base->cend())
+        return &found.value();
+    return nullptr;
+}
+
+/// One pass over `text` with the macros of `overlay` and then `base`. Sets `nested` if a
+/// reference holds a "$". False if the result grew beyond `maxLength`, which abandons the pass.
+bool expandOnce(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMap *base,
+                const QString &text, qsizetype maxLength, QString &result, bool &nested)
 {
     const QStringView view(text);
     const qsizetype length = text.size();
@@ -92,14 +104,14 @@ bool expandOnce(const MacroSystem::MacroMap &macros, const QString &text, qsizet
             nested = true;
         const qsizetype colon = token.indexOf(QLatin1Char(':'));
         const QString name = (colon < 0 ? token : token.left(colon)).toString();
-        const auto found = macros.constFind(name);
+        const QString *found = findMacro(overlay, base, name);
         QString dynamicValue;
-        if (found == macros.cend())
+        if (!found)
             result += colon < 0 ? view.mid(i, close + 1 - i) : token.mid(colon + 1);
         else if (MacroSystem::dynamicMacro(name, dynamicValue))
             result += dynamicValue;
         else
-            result += found.value();
+            result += *found;
         if (result.size() > maxLength)
             return false;
         i = close + 1;
@@ -121,13 +133,24 @@ QString MacroSystem::replaceMacros(const MacroMap &macros, const QString &text) 
 
 QString MacroSystem::replaceMacros2(const MacroMap &macros, QString text) const
 {
+    return expand(macros, nullptr, std::move(text));
+}
+
+QString MacroSystem::replaceMacros(const MacroMap &overlay, const MacroMap &base,
+                                   const QString &text) const
+{
+    return expand(overlay, &base, text);
+}
+
+QString MacroSystem::expand(const MacroMap &overlay, const MacroMap *base, QString text) const
+{
     if (!text.contains(QLatin1Char('$')))
         return text;
     const qsizetype maxLength = text.size() + maxGrowth;
     for (int pass = 1;; ++pass) {
         QString result(QLatin1String(""));
         bool nested = false;
-        if (!expandOnce(macros, text, maxLength, result, nested))
+        if (!expandOnce(overlay, base, text, maxLength, result, nested))
             return text;
         if (!nested || result.isEmpty() || result == text || pass >= maxPasses)
             return result;

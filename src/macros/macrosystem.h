@@ -22,6 +22,9 @@ public:
     /// The expansion itself: passes over `text` until one finds no reference within a reference
     /// or leaves the text unchanged.
     QString replaceMacros2(const MacroMap &macros, QString text) const;
+    /// `replaceMacros` with the macros of `overlay` laid over those of `base`, as if the two
+    /// were one set in which `overlay` wins; neither is copied.
+    QString replaceMacros(const MacroMap &overlay, const MacroMap &base, const QString &text) const;
 
     /// The system macros.
     MacroMap systemMacros() const;
@@ -58,6 +61,8 @@ public:
     static bool dynamicMacro(const QString &name, QString &value);
 
 private:
+    QString expand(const MacroMap &overlay, const MacroMap *base, QString text) const;
+
     MacroMap m_systemMacros;
 };
 
