@@ -372,6 +372,10 @@ private:
     mutable QHash<SettingKey, QStringList> m_steadySettings;
     /// The values last found from a file, which are not kept.
     mutable QStringList m_fileValues;
+    /// `projectDirectoryPath` while settings are steady, by element.
+    QHash<const ProjectElement *, QString> m_steadyDirectories;
+    /// `projectDirectoryPath` worked out afresh.
+    static QString resolveDirectory(ProjectElement *element);
     bool m_settingsSteady = false;
 
     std::vector<std::unique_ptr<PropertyClass>> m_catalogue;

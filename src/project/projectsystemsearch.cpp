@@ -179,6 +179,18 @@ QString ProjectSystem::solutionDirectoryOf(ProjectElement *solution)
 
 QString ProjectSystem::projectDirectoryPath(ProjectElement *element)
 {
+    // Asked for every file a build visits; while settings are steady the answer can't change.
+    if (projectSystem && projectSystem->m_settingsSteady) {
+        auto known = projectSystem->m_steadyDirectories.constFind(element);
+        if (known == projectSystem->m_steadyDirectories.cend())
+            known = projectSystem->m_steadyDirectories.insert(element, resolveDirectory(element));
+        return *known;
+    }
+    return resolveDirectory(element);
+}
+
+QString ProjectSystem::resolveDirectory(ProjectElement *element)
+{
     const QString directory = commonSetting(element, projectDirectorySaveName);
     if (!QDir::isRelativePath(directory))
         return directory;

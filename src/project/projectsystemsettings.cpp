@@ -75,6 +75,7 @@ void ProjectSystem::setSettingsSteady(bool steady)
 {
     m_settingsSteady = steady;
     m_steadySettings.clear();
+    m_steadyDirectories.clear();
 }
 
 QString ProjectSystem::settingFor(ProjectElement *element, const PropertyClass *propertyClass,
