@@ -281,36 +281,42 @@ bool DependencyCache::parse(const QString &directory, const QByteArray &bytes)
     // Each name takes at least its four-byte length.
     if (!reader.number(nameCount) || !reader.fits(nameCount, 4))
         return false;
-    std::vector<quint32> numbers;
-    numbers.reserve(nameCount);
+    QStringList names;
+    names.reserve(qsizetype(nameCount));
     for (quint32 i = 0; i < nameCount; ++i) {
         quint32 size = 0;
         QString name;
         if (!reader.number(size) || !reader.text(size, name))
             return false;
-        numbers.push_back(intern(name));
+        names.append(name);
     }
     quint32 entryCount = 0;
     // An entry takes at least 16 bytes: its object, time and count.
     if (!reader.number(entryCount) || !reader.fits(entryCount, 16))
         return false;
+    // Only the names that lists use enter the shared table; objects are keys alone.
+    constexpr quint32 notYet = std::numeric_limits<quint32>::max();
+    std::vector<quint32> numbers(nameCount, notYet);
     QHash<QString, Entry> entries;
     entries.reserve(qsizetype(entryCount));
     for (quint32 i = 0; i < entryCount; ++i) {
         quint32 object = 0;
         quint32 count = 0;
         Entry entry;
-        if (!reader.number(object) || object >= nameCount || !reader.number(entry.dependencyFileTime) ||
-            !reader.number(count) || !reader.fits(count, 4))
+        if (!reader.number(object) || object >= nameCount ||
+            !reader.number(entry.dependencyFileTime) || !reader.number(count) ||
+            !reader.fits(count, 4))
             return false;
         entry.names.reserve(count);
         for (quint32 j = 0; j < count; ++j) {
             quint32 name = 0;
             if (!reader.number(name) || name >= nameCount)
                 return false;
+            if (numbers[name] == notYet)
+                numbers[name] = intern(names.at(qsizetype(name)));
             entry.names.push_back(numbers[name]);
         }
-        entries.insert(m_names.at(qsizetype(numbers[object])), std::move(entry));
+        entries.insert(names.at(qsizetype(object)), std::move(entry));
     }
     if (!reader.atEnd())
         return false;

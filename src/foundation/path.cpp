@@ -139,7 +139,22 @@ QString Path::relativeFilePath(const QString &baseDir, const QString &file)
     return QFileInfo(file).absoluteFilePath();
 }
 
-Path::Path() : d(new PathData) {}
+namespace {
+
+/// The body every empty path shares until it is given a name: most elements of a solution
+/// never are. Its own reference keeps it alive.
+PathData *emptyBody()
+{
+    static PathData *const body = new PathData;
+    return body;
+}
+
+} // namespace
+
+Path::Path() : d(emptyBody())
+{
+    ++d->refCount;
+}
 
 Path::Path(const char *text) : d(new PathData)
 {
