@@ -89,3 +89,24 @@ TEST(RealDiskInterface, AsksTheFileSystemOnceUntilToldOtherwise)
     ASSERT_EQ(::mkfifo(QFile::encodeName(scratch.file("pipe.d")).constData(), 0600), 0);
     EXPECT_FALSE(disk.readFile(scratch.file("pipe.d"), 10, contents));
 }
+
+TEST(RealDiskInterface, FollowsDirectoriesThatAppearOrAreReplaced)
+{
+    // Files are looked at through descriptors of their directories; those must never outlive
+    // what a command or the build itself does to the directories.
+    ScratchDir scratch;
+    RealDiskInterface disk;
+    const QString late = scratch.file("late/a.o");
+    EXPECT_FALSE(disk.modified(late).isValid());
+    const quint64 generation = disk.generation();
+    ASSERT_TRUE(disk.writeFile(late, "made"));
+    EXPECT_NE(disk.generation(), generation);
+    EXPECT_TRUE(disk.modified(late).isValid()) << "a directory once missing is not remembered";
+
+    const QString kept = scratch.write("sub/b.o", "old");
+    EXPECT_TRUE(disk.modified(kept).isValid());
+    ASSERT_TRUE(QDir(scratch.path()).rename("sub", "gone"));
+    ASSERT_TRUE(QDir(scratch.path()).mkdir("sub"));
+    disk.invalidateAll();
+    EXPECT_FALSE(disk.modified(kept).isValid()) << "the replaced directory is asked, not the old";
+}

@@ -24,11 +24,26 @@ protected:
     /// The resolved value of the single-valued "v" or the list "l".
     QString single(E *element, const QString &configuration = "Debug")
     {
-        return system.settingFor(element, &singleClass, configuration);
+        return resolved(element, &singleClass, configuration);
     }
     QString list(E *element, const QString &configuration = "Debug")
     {
-        return system.settingFor(element, &listClass, configuration);
+        return resolved(element, &listClass, configuration);
+    }
+    /// The walk's answer, checked against the answers kept while settings are steady (as in a
+    /// build): asked first, and asked after every element above has had its answer kept.
+    QString resolved(E *element, const PropertyClass *propertyClass, const QString &configuration)
+    {
+        const QString walked = system.settingFor(element, propertyClass, configuration);
+        for (const bool abovePrimed : {false, true}) {
+            system.setSettingsSteady(true);
+            for (E *above = element->parent(); abovePrimed && above; above = above->parent())
+                system.settingFor(above, propertyClass, configuration);
+            EXPECT_EQ(system.settingFor(element, propertyClass, configuration), walked);
+            EXPECT_EQ(system.settingFor(element, propertyClass, configuration), walked);
+            system.setSettingsSteady(false);
+        }
+        return walked;
     }
 
     PropertyClass singleClass{"v", PropertyClass::String, "G", "Value", "", "default"};
