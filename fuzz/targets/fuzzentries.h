@@ -17,7 +17,7 @@ int fuzzXmlPreprocessor(const uint8_t *data, size_t size);
 int fuzzArgLine(const uint8_t *data, size_t size);
 /// The bytes as an indirect file of arguments.
 int fuzzIndirectFile(const uint8_t *data, size_t size);
-/// The bytes as a compiler's dependency file.
+/// The bytes as a compiler's dependency file, and as the file of kept dependency lists.
 int fuzzDependencyFile(const uint8_t *data, size_t size);
 /// The bytes as text whose macros are expanded, and as a list in its encoding.
 int fuzzMacros(const uint8_t *data, size_t size);

@@ -1,5 +1,6 @@
 #include "targets/fuzzentries.h"
 
+#include "engine/dependencycache.h"
 #include "engine/dependencyfile.h"
 #include "macros/macrosystem.h"
 
@@ -44,7 +45,13 @@ int fuzzMacros(const uint8_t *data, size_t size)
 
 int fuzzDependencyFile(const uint8_t *data, size_t size)
 {
-    parseDependencyFile(QByteArray(reinterpret_cast<const char *>(data), qsizetype(size)),
-                        QStringLiteral("/project"));
+    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    parseDependencyFile(bytes, QStringLiteral("/project"));
+    // The same bytes as the file in which a build keeps such lists: what it reads, it must
+    // write back in a form it reads again.
+    DependencyCache cache;
+    const QString directory = QStringLiteral("/project/Debug");
+    if (cache.parse(directory, bytes) && !DependencyCache().parse(directory, cache.serialize(directory)))
+        abort();
     return 0;
 }
