@@ -4,6 +4,7 @@
 #include "engine/buildrecord.h"
 #include "engine/buildsystem.h"
 #include "engine/dependencycache.h"
+#include "project/elementkey.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -258,21 +259,7 @@ private:
     /// `output` before it is made absolute, as the settings give it.
     QString outputOf(BuildAction action, ProjectElement *element, const QString &configuration);
     /// What `output` made of an element for an action in a configuration.
-    struct OutputKey
-    {
-        const ProjectElement *element;
-        int action;
-        QString configuration;
-        bool operator==(const OutputKey &other) const
-        {
-            return element == other.element && action == other.action &&
-                   configuration == other.configuration;
-        }
-        friend size_t qHash(const OutputKey &key, size_t seed = 0)
-        {
-            return qHashMulti(seed, key.element, key.action, key.configuration);
-        }
-    };
+    using OutputKey = ElementKey<int>;
     /// The outputs worked out in the build `m_outputsSerial`: the link asks again for every
     /// object the compile steps named.
     QHash<OutputKey, QString> m_outputs;

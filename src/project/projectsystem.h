@@ -1,10 +1,11 @@
 #pragma once
 
+#include "project/elementkey.h"
 #include "project/propertyinheritanceitem.h"
 
 #include <QDateTime>
-#include <QList>
 #include <QHash>
+#include <QList>
 #include <QMap>
 #include <QObject>
 #include <QSet>
@@ -346,21 +347,7 @@ private:
 
     /// What `settingFor` answered while settings were steady, by the element its walk first
     /// finds settings on (elements without any of their own pass the question up unchanged).
-    struct SettingKey
-    {
-        const ProjectElement *element;
-        const PropertyClass *propertyClass;
-        QString configuration;
-        bool operator==(const SettingKey &other) const
-        {
-            return element == other.element && propertyClass == other.propertyClass &&
-                   configuration == other.configuration;
-        }
-        friend size_t qHash(const SettingKey &key, size_t seed = 0)
-        {
-            return qHashMulti(seed, key.element, key.propertyClass, key.configuration);
-        }
-    };
+    using SettingKey = ElementKey<const PropertyClass *>;
     /// `settingFor` worked out by walking the tree.
     QString resolveSetting(ProjectElement *element, const PropertyClass *propertyClass,
                            const QString &configuration,
