@@ -422,8 +422,31 @@ const QMap<QString, QString> &BuildSystem::projectMacroBase(ProjectElement *elem
           known.configuration == configuration && known.settings == projectMacros &&
           known.platform == platform))
         known = {m_buildSerial, project, configuration, projectMacros, platform,
-                 projectLevelMacros(element, configuration, projectMacros, platform)};
+                 projectLevelMacros(element, configuration, projectMacros, platform),
+                 {}};
     return known.map;
+}
+
+QString BuildSystem::directoryMacro(const QMap<QString, QString> &own,
+                                   const QMap<QString, QString> &base,
+                                   const PropertyClass *propertyClass, ProjectElement *element,
+                                   const QString &configuration)
+{
+    // The directories of most files come from their project's macros alone; such an answer is
+    // kept with the project's set, for the files after.
+    const QString setting = projectSystem->settingFor(element, propertyClass, configuration);
+    const bool keep = m_buildSerial && &base == &m_projectMacros.map;
+    QHash<QString, QString> &kept = m_projectMacros.directories;
+    if (keep) {
+        auto known = kept.constFind(setting);
+        if (known != kept.cend())
+            return *known;
+    }
+    bool ownUsed = false;
+    const QString directory = dotify(macroSystem.replaceMacros(own, base, setting, &ownUsed));
+    if (keep && !ownUsed)
+        kept.insert(setting, directory);
+    return directory;
 }
 
 QMap<QString, QString> BuildSystem::elementMacros(ProjectElement *element,
@@ -443,15 +466,10 @@ QMap<QString, QString> BuildSystem::elementMacros(ProjectElement *element,
     }
 
     own.insert(QStringLiteral("IntDir"),
-               dotify(macroSystem.replaceMacros(
-                   own, base,
-                   projectSystem->settingFor(element, buildIntermediateDirectoryProperty,
-                                             configuration))));
+               directoryMacro(own, base, buildIntermediateDirectoryProperty, element,
+                              configuration));
     own.insert(QStringLiteral("OutDir"),
-               dotify(macroSystem.replaceMacros(
-                   own, base,
-                   projectSystem->settingFor(element, buildOutputDirectoryProperty,
-                                             configuration))));
+               directoryMacro(own, base, buildOutputDirectoryProperty, element, configuration));
 
     addMacros(element, configuration, own);
     return own;

@@ -242,6 +242,9 @@ private:
         QString settings;
         QString platform;
         QMap<QString, QString> map;
+        /// IntDir and OutDir by the setting they come from, where that used none of the macros
+        /// of a file.
+        QHash<QString, QString> directories;
     };
     ProjectMacros m_projectMacros;
     /// The macros of the file last expanded for during a build: its project's (shared with
@@ -259,6 +262,11 @@ private:
     /// build for the project last asked about.
     const QMap<QString, QString> &projectMacroBase(ProjectElement *element,
                                                    const QString &configuration);
+    /// The directory `propertyClass` gives `element` (IntDir, OutDir), expanded with `own`
+    /// over `base`.
+    QString directoryMacro(const QMap<QString, QString> &own, const QMap<QString, QString> &base,
+                           const PropertyClass *propertyClass, ProjectElement *element,
+                           const QString &configuration);
     /// The macros of `element` itself, worked out over `base`: its name, a file's Input
     /// macros, IntDir, OutDir and those `addMacros` adds.
     QMap<QString, QString> elementMacros(ProjectElement *element, const QString &configuration,

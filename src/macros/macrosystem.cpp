@@ -48,20 +48,25 @@ std::vector<qsizetype> closingParentheses(const QString &text)
 
 /// The value of a macro in a set laid over another, or null when neither has it.
 const QString *findMacro(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMap *base,
-                         const QString &name)
+                         const QString &name, bool *overlayUsed)
 {
     auto found = overlay.constFind(name);
-    if (found != overlay.cend())
+    if (found != overlay.cend()) {
+        if (overlayUsed)
+            *overlayUsed = true;
         return &found.value();
+    }
     if (base && (found = base->constFind(name)) != base->cend())
         return &found.value();
     return nullptr;
 }
 
 /// One pass over `text` with the macros of `overlay` and then `base`. Sets `nested` if a
-/// reference holds a "$". False if the result grew beyond `maxLength`, which abandons the pass.
+/// reference holds a "$", and `*overlayUsed` if the pass took a value from `overlay` or the
+/// clock. False if the result grew beyond `maxLength`, which abandons the pass.
 bool expandOnce(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMap *base,
-                const QString &text, qsizetype maxLength, QString &result, bool &nested)
+                const QString &text, qsizetype maxLength, QString &result, bool &nested,
+                bool *overlayUsed)
 {
     const QStringView view(text);
     const qsizetype length = text.size();
@@ -104,12 +109,15 @@ bool expandOnce(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMa
             nested = true;
         const qsizetype colon = token.indexOf(QLatin1Char(':'));
         const QString name = (colon < 0 ? token : token.left(colon)).toString();
-        const QString *found = findMacro(overlay, base, name);
+        const QString *found = findMacro(overlay, base, name, overlayUsed);
         QString dynamicValue;
-        if (!found)
+        if (!found) {
             result += colon < 0 ? view.mid(i, close + 1 - i) : token.mid(colon + 1);
-        else if (MacroSystem::dynamicMacro(name, dynamicValue))
+        } else if (MacroSystem::dynamicMacro(name, dynamicValue)) {
+            if (overlayUsed)
+                *overlayUsed = true;
             result += dynamicValue;
+        }
         else
             result += *found;
         if (result.size() > maxLength)
@@ -133,16 +141,17 @@ QString MacroSystem::replaceMacros(const MacroMap &macros, const QString &text) 
 
 QString MacroSystem::replaceMacros2(const MacroMap &macros, QString text) const
 {
-    return expand(macros, nullptr, std::move(text));
+    return expand(macros, nullptr, std::move(text), nullptr);
 }
 
 QString MacroSystem::replaceMacros(const MacroMap &overlay, const MacroMap &base,
-                                   const QString &text) const
+                                   const QString &text, bool *overlayUsed) const
 {
-    return expand(overlay, &base, text);
+    return expand(overlay, &base, text, overlayUsed);
 }
 
-QString MacroSystem::expand(const MacroMap &overlay, const MacroMap *base, QString text) const
+QString MacroSystem::expand(const MacroMap &overlay, const MacroMap *base, QString text,
+                            bool *overlayUsed) const
 {
     if (!text.contains(QLatin1Char('$')))
         return text;
@@ -150,7 +159,7 @@ QString MacroSystem::expand(const MacroMap &overlay, const MacroMap *base, QStri
     for (int pass = 1;; ++pass) {
         QString result(QLatin1String(""));
         bool nested = false;
-        if (!expandOnce(overlay, base, text, maxLength, result, nested))
+        if (!expandOnce(overlay, base, text, maxLength, result, nested, overlayUsed))
             return text;
         if (!nested || result.isEmpty() || result == text || pass >= maxPasses)
             return result;

@@ -23,8 +23,11 @@ public:
     /// or leaves the text unchanged.
     QString replaceMacros2(const MacroMap &macros, QString text) const;
     /// `replaceMacros` with the macros of `overlay` laid over those of `base`, as if the two
-    /// were one set in which `overlay` wins; neither is copied.
-    QString replaceMacros(const MacroMap &overlay, const MacroMap &base, const QString &text) const;
+    /// were one set in which `overlay` wins; neither is copied. Sets `*overlayUsed` when the
+    /// result took a value from `overlay` (or the clock), so that one that didn't can be kept
+    /// for the same `base`.
+    QString replaceMacros(const MacroMap &overlay, const MacroMap &base, const QString &text,
+                          bool *overlayUsed = nullptr) const;
 
     /// The system macros.
     MacroMap systemMacros() const;
@@ -61,7 +64,8 @@ public:
     static bool dynamicMacro(const QString &name, QString &value);
 
 private:
-    QString expand(const MacroMap &overlay, const MacroMap *base, QString text) const;
+    QString expand(const MacroMap &overlay, const MacroMap *base, QString text,
+                   bool *overlayUsed) const;
 
     MacroMap m_systemMacros;
 };
