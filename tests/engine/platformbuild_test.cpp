@@ -176,3 +176,14 @@ TEST_F(PlatformBuild, ExternalProjectsRunTheirCommandsWhole)
     EXPECT_EQ(events().mid(2),
               (QStringList{"group Running Clean command Ext", "command \"make clean\"", "end"}));
 }
+
+TEST_F(PlatformBuild, EachFileGetsItsOwnIntermediateDirectoryWhenItNamesOne)
+{
+    // Directories that use no macro of a file are worked out once per project; one that does
+    // differs from file to file.
+    loadBuilt();
+    set("App", "build_intermediate_directory", "Debug/$(InputName)");
+    EXPECT_TRUE(system->build(element("App"), "Debug", &builder, BUILD_FORCE | quiet, false, false));
+    EXPECT_EQ(events().filter(QRegularExpression("^command 2")),
+              (QStringList{"command 2 Debug/a/a.o src/a.c", "command 2 Debug/b/b.o src/b.c"}));
+}
