@@ -43,22 +43,8 @@ BuildSignature StandardBuildSystem::commandSignature(ProjectElement *element,
         m_signatureSerial = buildSerial();
         m_signatureConfiguration = configuration;
     }
-    // Settings are found on the elements that have configurations of their own, so every
-    // element below the same one has the same values, and shares one list of them. A file
-    // with settings of its own is the only one with its list, which isn't kept.
     ProjectElement *owner = ProjectSystem::settingsOwner(element);
-    QStringList ownList;
-    QStringList &settings = owner && owner->type() == ProjectElement::File
-                                ? ownList
-                                : m_settingsSignatures[owner ? owner : element][int(action)];
-    if (settings.isEmpty()) {
-        const QList<const PropertyClass *> properties = commandProperties(action);
-        settings.reserve(properties.size() + m_toolSignature.size());
-        for (const PropertyClass *property : properties)
-            settings << entry(property->saveName(),
-                              projectSystem->settingFor(element, property, configuration));
-        settings += m_toolSignature;
-    }
+    const QStringList settings = settingsSignature(owner ? owner : element, configuration, action);
     BuildSignature signature{settings, {}};
     for (const QString &input : inputs)
         signature.extras << entry(QStringLiteral("input"), input);
@@ -69,6 +55,42 @@ BuildSignature StandardBuildSystem::commandSignature(ProjectElement *element,
             signature.extras << entry(QStringLiteral("control"), file);
     }
     return signature;
+}
+
+QStringList StandardBuildSystem::settingsSignature(ProjectElement *owner,
+                                                   const QString &configuration,
+                                                   BuildAction action)
+{
+    // Settings are found on the elements that have configurations of their own, so every
+    // element below the same one has the same values, and shares one list of them.
+    const QList<const PropertyClass *> properties = commandProperties(action);
+    auto listOf = [&](const QStringList *above) {
+        QStringList settings;
+        settings.reserve(properties.size() + m_toolSignature.size());
+        for (qsizetype i = 0; i < properties.size(); ++i) {
+            const PropertyClass *property = properties.at(i);
+            if (above && projectSystem->configurationUsedFor(owner, property, configuration)
+                             .isNull())
+                settings << above->at(i);
+            else
+                settings << entry(property->saveName(),
+                                  projectSystem->settingFor(owner, property, configuration));
+        }
+        return settings + m_toolSignature;
+    };
+    if (owner->type() != ProjectElement::File) {
+        QStringList &kept = m_settingsSignatures[owner][int(action)];
+        if (kept.isEmpty())
+            kept = listOf(nullptr);
+        return kept;
+    }
+    // A file with settings of its own is the only one with its list, which isn't kept; it
+    // differs from the list above it only in the settings the file holds.
+    ProjectElement *above = ProjectSystem::settingsOwner(owner->parent());
+    if (!above)
+        return listOf(nullptr);
+    const QStringList aboveList = settingsSignature(above, configuration, action);
+    return listOf(&aboveList);
 }
 
 bool StandardBuildSystem::recordUpToDate(const QString &output, const BuildSignature &signature,

@@ -285,6 +285,10 @@ private:
     /// The settings entries of each action, by the element they are found on, for one build
     /// and configuration.
     QHash<const ProjectElement *, QHash<int, QStringList>> m_settingsSignatures;
+    /// The settings part of the signature of `action` for the elements whose settings
+    /// `owner` gives.
+    QStringList settingsSignature(ProjectElement *owner, const QString &configuration,
+                                  BuildAction action);
     quint64 m_signatureSerial = 0; ///< the build the two above belong to
     QString m_signatureConfiguration;
     quint64 m_recordLoadedSerial = 0;   ///< the build `m_record` was read in

@@ -27,16 +27,23 @@ QByteArray placement(const QByteArray &section)
 }
 
 /// An application on a library, built by the program with a fake tool chain, its linker script
-/// written from a memory map and a section placement; `appSettings` go on the application.
-QByteArray solution(const QByteArray &appSettings = "", const QByteArray &libFiles = "")
+/// written from a memory map and a section placement; `appSettings` go on the application,
+/// `utilSettings` on its file util.c.
+QByteArray solution(const QByteArray &appSettings = "", const QByteArray &libFiles = "",
+                    const QByteArray &utilSettings = "")
 {
+    const QByteArray util =
+        utilSettings.isEmpty()
+            ? QByteArray("<file file_name=\"util.c\"/>")
+            : "<file file_name=\"util.c\"><configuration Name=\"Common\" " + utilSettings +
+                  "/></file>";
     return solutionText(R"(<configuration Name="Debug"/>
 <project Name="app">
   <configuration Name="Common" project_directory="app" project_type="Executable"
     project_dependencies="lib" linker_memory_map_file="map.xml"
     linker_section_placement_file="placement.xml" )" +
                         appSettings + R"(/>
-  <file file_name="main.c"/><file file_name="util.c"/>
+  <file file_name="main.c"/>)" + util + R"(
 </project>
 <project Name="lib">
   <configuration Name="Common" project_directory="lib" project_type="Library"/>
@@ -126,6 +133,19 @@ TEST_F(Incremental, EachKindOfChangeRebuildsWhatItReaches)
     EXPECT_EQ(build({}, otherTools.benchDir()).size(), 5);
     EXPECT_EQ(build({"-D", "V=1"}, otherTools.benchDir()).size(), 5);
     EXPECT_EQ(build({}, otherTools.benchDir()), QStringList{});
+}
+
+TEST_F(Incremental, AFileWithSettingsOfItsOwnFollowsThemAndItsProjects)
+{
+    work.write("s.hdp", solution("", "", "c_preprocessor_definitions=\"U=1\""));
+    build();
+    work.write("s.hdp", solution("", "", "c_preprocessor_definitions=\"U=2\""));
+    EXPECT_EQ(build(), (QStringList{"as util.o", "ld app.elf"}));
+    work.write("s.hdp", solution("gcc_optimization_level=\"Level 2\"", "",
+                                 "c_preprocessor_definitions=\"U=2\""));
+    QStringList ran = build();
+    ran.sort();
+    EXPECT_EQ(ran, (QStringList{"as main.o", "as util.o", "ld app.elf"}));
 }
 
 TEST_F(Incremental, TheLinkerScriptFollowsItsInputs)
