@@ -124,7 +124,7 @@ DependencyCache::Directory &DependencyCache::directoryOf(const QString &object)
 
 qint64 DependencyCache::dependencyFileTime(const QString &object)
 {
-    const QDateTime modified = disk().modified(dependencyFilePath(object));
+    const QDateTime modified = disk().probe(dependencyFilePath(object));
     return modified.isValid() ? modified.toMSecsSinceEpoch() : -1;
 }
 
@@ -132,9 +132,14 @@ const DependencyCache::Entry *DependencyCache::currentEntry(const QString &objec
 {
     const Directory &directory = directoryOf(object);
     const auto found = directory.entries.constFind(object);
-    if (found == directory.entries.constEnd() ||
-        found->dependencyFileTime != dependencyFileTime(object))
+    if (found == directory.entries.constEnd())
         return nullptr;
+    const quint64 now = disk().generation() + 1;
+    if (found->checked != now) {
+        if (found->dependencyFileTime != dependencyFileTime(object))
+            return nullptr;
+        found->checked = now;
+    }
     return &*found;
 }
 
@@ -199,12 +204,15 @@ bool DependencyCache::holds(const Entry &entry, qint64 dependencyFileTime,
 void DependencyCache::insert(const QString &object, const QStringList &dependencies)
 {
     Directory &directory = directoryOf(object);
-    const qint64 time = dependencyFileTime(object);
+    const quint64 now = disk().generation() + 1;
     const auto found = directory.entries.constFind(object);
+    const bool known = found != directory.entries.constEnd() && found->checked == now;
+    const qint64 time = known ? found->dependencyFileTime : dependencyFileTime(object);
     if (found != directory.entries.constEnd() && holds(*found, time, dependencies))
         return;
     Entry entry;
     entry.dependencyFileTime = time;
+    entry.checked = now;
     entry.names.reserve(size_t(dependencies.size()));
     for (const QString &name : dependencies)
         entry.names.push_back(intern(name));

@@ -56,6 +56,10 @@ private:
     struct Entry
     {
         qint64 dependencyFileTime = 0; ///< milliseconds since the epoch, -1 for no file
+        /// One more than the disk generation in which the dependency file was last found
+        /// with that time; 0 for never. The cache asks about dependency files itself, so
+        /// that the disk need not hold thousands of names it is asked about once.
+        mutable quint64 checked = 0;
         std::vector<quint32> names;
     };
     struct Directory

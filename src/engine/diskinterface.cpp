@@ -49,21 +49,31 @@ int RealDiskInterface::statFile(const QByteArray &name, struct stat &status)
     return ::fstatat(*found, name.constData() + slash + 1, &status, 0);
 }
 
+QDateTime RealDiskInterface::timeOf(const QString &path)
+{
+    struct stat status;
+    ++m_statCount;
+    // Directories and other non-files count as missing: nothing a build makes or reads is one.
+    if (statFile(QFile::encodeName(path), status) != 0 || S_ISDIR(status.st_mode))
+        return QDateTime();
+    const qint64 milliseconds =
+        qint64(status.st_mtim.tv_sec) * 1000 + status.st_mtim.tv_nsec / 1000000;
+    return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
+}
+
 RealDiskInterface::Entry &RealDiskInterface::entry(const QString &path)
 {
     auto found = m_entries.find(path);
     if (found != m_entries.end())
         return *found;
     Entry fresh;
-    struct stat status;
-    ++m_statCount;
-    // Directories and other non-files count as missing: nothing a build makes or reads is one.
-    if (statFile(QFile::encodeName(path), status) == 0 && !S_ISDIR(status.st_mode)) {
-        const qint64 milliseconds =
-            qint64(status.st_mtim.tv_sec) * 1000 + status.st_mtim.tv_nsec / 1000000;
-        fresh.modified = QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
-    }
+    fresh.modified = timeOf(path);
     return *m_entries.insert(path, fresh);
+}
+
+QDateTime RealDiskInterface::probe(const QString &path)
+{
+    return timeOf(path);
 }
 
 QDateTime RealDiskInterface::modified(const QString &path)

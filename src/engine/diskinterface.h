@@ -16,6 +16,9 @@ public:
     virtual ~DiskInterface();
     /// The modification time of the file `path`; an invalid time when there is none.
     virtual QDateTime modified(const QString &path) = 0;
+    /// `modified`, asked afresh and not remembered: for files whose answer the caller keeps
+    /// itself.
+    virtual QDateTime probe(const QString &path) = 0;
     /// Whether `path` exists and can be read.
     virtual bool isReadable(const QString &path) = 0;
     /// Reads the file `path` whole; false when it is missing, unreadable or larger than
@@ -53,6 +56,7 @@ public:
     RealDiskInterface &operator=(const RealDiskInterface &) = delete;
     ~RealDiskInterface() override;
     QDateTime modified(const QString &path) override;
+    QDateTime probe(const QString &path) override;
     bool isReadable(const QString &path) override;
     bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) override;
     bool removeFile(const QString &path) override;
@@ -70,6 +74,8 @@ private:
         int readable = -1;  ///< -1 not asked yet, else 0 or 1
     };
     Entry &entry(const QString &path);
+    /// The modification time `stat` gives `path`; invalid for a missing file or a directory.
+    QDateTime timeOf(const QString &path);
     /// stat() of the file `name`, through an open descriptor of its directory.
     int statFile(const QByteArray &name, struct stat &status);
     void closeDirectories();

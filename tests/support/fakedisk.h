@@ -31,6 +31,7 @@ public:
         return found == files.cend() ? QDateTime()
                                      : QDateTime::fromMSecsSinceEpoch(*found, Qt::UTC);
     }
+    QDateTime probe(const QString &path) override { return modified(path); }
     bool isReadable(const QString &path) override { return files.contains(path); }
     bool readFile(const QString &path, qint64 maximumSize, QByteArray &data) override
     {
