@@ -64,13 +64,22 @@ QStringList StandardBuildSystem::settingsSignature(ProjectElement *owner,
     // Settings are found on the elements that have configurations of their own, so every
     // element below the same one has the same values, and shares one list of them.
     const QList<const PropertyClass *> properties = commandProperties(action);
+    // Whether `owner` holds the setting in any of its configurations: when it doesn't, the
+    // element above gives it.
+    auto holds = [owner](const PropertyClass *property) {
+        const QString saveName = property->saveName();
+        for (const ProjectElement *child : owner->configurationChildren()) {
+            if (child->hasAttribute(saveName))
+                return true;
+        }
+        return false;
+    };
     auto listOf = [&](const QStringList *above) {
         QStringList settings;
         settings.reserve(properties.size() + m_toolSignature.size());
         for (qsizetype i = 0; i < properties.size(); ++i) {
             const PropertyClass *property = properties.at(i);
-            if (above && projectSystem->configurationUsedFor(owner, property, configuration)
-                             .isNull())
+            if (above && !holds(property))
                 settings << above->at(i);
             else
                 settings << entry(property->saveName(),
