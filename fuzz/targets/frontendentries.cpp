@@ -37,9 +37,8 @@ public:
 
 int fuzzArgLine(const uint8_t *data, size_t size)
 {
-    // "@name" would read a file of the host's named by the input.
-    const QByteArray line(reinterpret_cast<const char *>(data), qsizetype(size));
-    if (line.contains('@'))
+    QByteArray line(reinterpret_cast<const char *>(data), qsizetype(size));
+    if (!confineIndirectNames(line))
         return 0;
     TableParser parser;
     char *argv[ArgParse::maxWords];
@@ -50,10 +49,13 @@ int fuzzArgLine(const uint8_t *data, size_t size)
 
 int fuzzIndirectFile(const uint8_t *data, size_t size)
 {
-    if (QByteArray::fromRawData(reinterpret_cast<const char *>(data), qsizetype(size))
-            .contains('@'))
+    // The file may name itself, or "other", which holds the same words.
+    QByteArray text(reinterpret_cast<const char *>(data), qsizetype(size));
+    if (!confineIndirectNames(text))
         return 0;
-    const QString path = writeScratchFile(QStringLiteral("arguments"), data, size);
+    const auto *bytes = reinterpret_cast<const uint8_t *>(text.constData());
+    writeScratchFile(QStringLiteral("other"), bytes, size_t(text.size()));
+    const QString path = writeScratchFile(QStringLiteral("arguments"), bytes, size_t(text.size()));
     TableParser parser;
     parser.parseArgsFromIndirectFile(QFile::encodeName(path).constData());
     return 0;

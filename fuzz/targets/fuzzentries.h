@@ -15,7 +15,7 @@ int fuzzXmlParser(const uint8_t *data, size_t size);
 int fuzzXmlPreprocessor(const uint8_t *data, size_t size);
 /// The bytes as one command line split into words and parsed.
 int fuzzArgLine(const uint8_t *data, size_t size);
-/// The bytes as an indirect file of arguments.
+/// The bytes as an indirect file of arguments, which may name itself and another like it.
 int fuzzIndirectFile(const uint8_t *data, size_t size);
 /// The bytes as a compiler's dependency file, and as the file of kept dependency lists.
 int fuzzDependencyFile(const uint8_t *data, size_t size);
@@ -41,6 +41,10 @@ FuzzEntry fuzzEntry(const QString &name);
 QString fuzzScratchDir();
 /// Writes `size` bytes at `data` to `relative` in the scratch directory; returns its path.
 QString writeScratchFile(const QString &relative, const uint8_t *data, size_t size);
+/// Points every "@name" word of `text` into the scratch directory; false for a text in which
+/// an "@" could name a file elsewhere (a name with more than letters, digits, "_" and "-", an
+/// "@" inside a word, or quotes), which the target then skips.
+bool confineIndirectNames(QByteArray &text);
 /// False for an input that says `keyword` (in any case) and could make the reader open a file
 /// outside the scratch directory: reading a device or a huge file tests the host, not the reader.
 bool staysInScratch(const QByteArray &input, const char *keyword);

@@ -48,6 +48,36 @@ QString writeScratchFile(const QString &relative, const uint8_t *data, size_t si
     return path;
 }
 
+bool confineIndirectNames(QByteArray &text)
+{
+    if (!text.contains('@'))
+        return true;
+    // Quotes could join a name to text that climbs out; plain names are enough to reach
+    // nested and self-naming files.
+    if (text.contains('"') || text.contains('\''))
+        return false;
+    const QByteArray scratch = QFile::encodeName(fuzzScratchDir()) + '/';
+    QByteArray confined;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char c = text.at(i);
+        confined += c;
+        if (c != '@')
+            continue;
+        qsizetype end = i + 1;
+        while (end < text.size() && (QChar::isLetterOrNumber(uchar(text.at(end))) ||
+                                     text.at(end) == '_' || text.at(end) == '-'))
+            ++end;
+        // Only a word that is "@" and such a name, in the directory of the scratch files.
+        const bool wordStart = i == 0 || QByteArrayView(" \t\r\n").contains(text.at(i - 1));
+        const bool wordEnd = end == text.size() || QByteArrayView(" \t\r\n").contains(text.at(end));
+        if (!wordStart || !wordEnd)
+            return false;
+        confined += scratch;
+    }
+    text = confined;
+    return true;
+}
+
 bool staysInScratch(const QByteArray &input, const char *keyword)
 {
     if (!input.toLower().contains(keyword))

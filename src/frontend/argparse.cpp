@@ -155,10 +155,15 @@ char *ArgParse::keepWord(const char *begin, size_t length)
 
 void ArgParse::parseArgsFromIndirectFile(const char *fileName)
 {
-    if (indirectDepth == maxIndirectDepth) {
+    if (indirectFilesRefused)
+        return;
+    if (indirectDepth == maxIndirectDepth || indirectFilesRead == maxIndirectFiles) {
+        // Once is enough: the command line is in error, and what follows it is not read.
         error() << "too many indirect files" << std::endl;
+        indirectFilesRefused = true;
         return;
     }
+    ++indirectFilesRead;
     FILE *file = std::fopen(fileName, "rt");
     if (!file) {
         const int cause = errno;

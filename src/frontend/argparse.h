@@ -39,6 +39,9 @@ public:
     static const int maxWords = 256;
     /// The number of indirect files that may be open at once.
     static const int maxIndirectDepth = 100;
+    /// The number of indirect files one parser reads in all: files that each name another
+    /// more than once would otherwise be read a number of times that doubles with each level.
+    static const int maxIndirectFiles = 10000;
     /// The size of the buffer an indirect file is read through; longer lines arrive in pieces.
     static const int lineBufferSize = 1024;
 
@@ -65,6 +68,9 @@ public:
 
     std::map<const char *, Option, Cstring_greater> options;
     int indirectDepth = 0;
+    /// The indirect files read so far, and whether too many were named: from then on none is.
+    int indirectFilesRead = 0;
+    bool indirectFilesRefused = false;
     HReporter *reporter;
 
 protected:

@@ -36,10 +36,19 @@ TEST(FrontendHostile, ASelfIncludingIndirectFileStopsAtTheDepthLimit)
 {
     ScratchDir dir;
     dir.write("self", "x @self\n");
-    const RunResult run =
-        runTidemake({"@self", "a.hdp", "-config", "Debug"}, dir.path(), dir.file("home"));
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.err, tidemakeExecutable() + ": too many indirect files\n");
+    // Naming itself twice would double the work with each level; ten files naming the next
+    // one twice, over a thousand times the limit in all.
+    dir.write("twice", "@twice @twice\n");
+    for (int level = 0; level < 10; ++level)
+        dir.write("wide" + QString::number(level),
+                  QString("@wide%1 @wide%1\n").arg(level + 1).toUtf8().repeated(10));
+    dir.write("wide10", "x\n");
+    for (const char *start : {"@self", "@twice", "@wide0"}) {
+        const RunResult run =
+            runTidemake({start, "a.hdp", "-config", "Debug"}, dir.path(), dir.file("home"));
+        EXPECT_EQ(run.exitCode, 1) << start;
+        EXPECT_EQ(run.err, tidemakeExecutable() + ": too many indirect files\n") << start;
+    }
 }
 
 TEST(FrontendHostile, AChildFloodingBothPipesIsDrained)
