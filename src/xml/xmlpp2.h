@@ -39,8 +39,10 @@ public:
     std::map<QString, QString> defines;
 
     /// Most elements that for directives may copy in one load; a loop that would go
-    /// beyond it is refused whole, with a message.
-    unsigned long long forCopyLimit = 1000000;
+    /// beyond it is refused whole, with a message. Far more than a board's registers need,
+    /// and little enough that a few hundred bytes of nested loops can't take seconds and
+    /// hundreds of megabytes to expand.
+    unsigned long long forCopyLimit = 20000;
     /// Most include directives that one load may follow.
     int includeLimit = 10000;
 

@@ -1,6 +1,7 @@
 #include "memorymaptesting.h"
 
 #include "memorymap/memorymapopenfiles.h"
+#include "targets/fuzzentries.h"
 
 TEST(MemoryMapHostileTest, FilesThatDoNotLoad)
 {
@@ -55,4 +56,9 @@ TEST(MemoryMapHostileTest, LongChainsAndLargeRunAreas)
     EXPECT_EQ(script.count("\n  .s"), count);
     EXPECT_GT(script.indexOf("\n  .area "), script.lastIndexOf("\n  .s"));
     EXPECT_EQ(scriptFrom(map, many + area).count("    . = MAX(__area_start__ + SIZEOF(.m"), count);
+}
+
+TEST(MemoryMapHostileTest, InputsTheFuzzerFoundAreReadSafely)
+{
+    EXPECT_GT(runFuzzRegressions("linkerscript"), 0);
 }

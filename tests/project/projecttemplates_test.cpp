@@ -32,7 +32,7 @@ const QByteArray kit = R"x(<kit><project template_name="Folders" type="Library"/
   <c name="Board Debug"><p name="inherited_configurations" value="Board;Cycle;Missing"/>
     <p name="build_output_directory" value="out"/><p name="" value="skipped"/></c>
   <c name="Cycle"><p name="inherited_configurations" value="Board Debug"/></c>
-  <for index="i" start="0" end="20000" incr="1" add="1">
+  <for index="i" start="0" end="9000" incr="1" add="1">
     <c name="L$(i)"><p name="inherited_configurations" value="L$(i_ap)"/></c></for>
 </configurations>
 <group><project template_name="Folders" type="Executable">
@@ -169,8 +169,8 @@ TEST_F(TemplatesTest, ConfigurationsComeFromDefinitionsAndInheritedOnesEndOnACyc
     E *inner = system.solutionSolutions().value("Inner");
     EXPECT_EQ(inner->getConfigurationElement("Board Debug")->attribute("build_output_directory"),
               "mine");
-    EXPECT_NE(root->getConfigurationElement("L19999"), nullptr) << "a long chain is followed";
-    EXPECT_EQ(root->getConfigurationElement("L20000"), nullptr) << "without a definition";
+    EXPECT_NE(root->getConfigurationElement("L8999"), nullptr) << "a long chain is followed";
+    EXPECT_EQ(root->getConfigurationElement("L9000"), nullptr) << "without a definition";
 }
 
 } // namespace

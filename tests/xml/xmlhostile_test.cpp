@@ -20,6 +20,7 @@ TEST(XMLHostile, DeepNesting)
                             QByteArray("</a>").repeated(levels);
     ScratchDir dir;
     RecordingDocument document;
+    document.forCopyLimit = 2 * (levels + 1);
     ASSERT_TRUE(document.load(
         dir.write("deep.xml", "<r>" + QByteArray("<ifdef name=\"x\">").repeated(levels) +
                                   "<for index=\"i\" start=\"0\" end=\"2\" incr=\"1\">" + deep +
