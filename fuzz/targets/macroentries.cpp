@@ -51,7 +51,8 @@ int fuzzDependencyFile(const uint8_t *data, size_t size)
     // write back in a form it reads again.
     DependencyCache cache;
     const QString directory = QStringLiteral("/project/Debug");
-    if (cache.parse(directory, bytes) && !DependencyCache().parse(directory, cache.serialize(directory)))
+    if (cache.parse(directory, bytes) &&
+        !DependencyCache().parse(directory, cache.serialize(directory)))
         abort();
     return 0;
 }

@@ -420,17 +420,17 @@ const QMap<QString, QString> &BuildSystem::projectMacroBase(ProjectElement *elem
     ProjectMacros &known = m_projectMacros;
     if (!(m_buildSerial && known.serial == m_buildSerial && known.project == project &&
           known.configuration == configuration && known.settings == projectMacros &&
-          known.platform == platform))
-        known = {m_buildSerial, project, configuration, projectMacros, platform,
-                 projectLevelMacros(element, configuration, projectMacros, platform),
-                 {}};
+          known.platform == platform)) {
+        known = {m_buildSerial, project, configuration, projectMacros, platform, {}, {}};
+        known.map = projectLevelMacros(element, configuration, projectMacros, platform);
+    }
     return known.map;
 }
 
 QString BuildSystem::directoryMacro(const QMap<QString, QString> &own,
-                                   const QMap<QString, QString> &base,
-                                   const PropertyClass *propertyClass, ProjectElement *element,
-                                   const QString &configuration)
+                                    const QMap<QString, QString> &base,
+                                    const PropertyClass *propertyClass, ProjectElement *element,
+                                    const QString &configuration)
 {
     // The directories of most files come from their project's macros alone; such an answer is
     // kept with the project's set, for the files after.
@@ -465,9 +465,9 @@ QMap<QString, QString> BuildSystem::elementMacros(ProjectElement *element,
         own.insert(QStringLiteral("RelInputPath"), element->relativePath());
     }
 
-    own.insert(QStringLiteral("IntDir"),
-               directoryMacro(own, base, buildIntermediateDirectoryProperty, element,
-                              configuration));
+    own.insert(
+        QStringLiteral("IntDir"),
+        directoryMacro(own, base, buildIntermediateDirectoryProperty, element, configuration));
     own.insert(QStringLiteral("OutDir"),
                directoryMacro(own, base, buildOutputDirectoryProperty, element, configuration));
 

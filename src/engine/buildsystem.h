@@ -204,8 +204,7 @@ private:
                                    const QString &batchConfiguration);
     /// The global macros, then `projectMacros` (the element's macros setting), then those
     /// that the project and solution of `element` and `configuration` define.
-    QMap<QString, QString> projectLevelMacros(ProjectElement *element,
-                                              const QString &configuration,
+    QMap<QString, QString> projectLevelMacros(ProjectElement *element, const QString &configuration,
                                               const QString &projectMacros,
                                               const QString &platform);
     /// The place of `project` in `configuration` among the builds under way, or -1.

@@ -191,7 +191,8 @@ bool DependencyCache::holds(const Entry &entry, qint64 dependencyFileTime,
 {
     // A list handed out by `value` shares each name's text with the table, so it is
     // recognised without hashing a name.
-    if (entry.dependencyFileTime != dependencyFileTime || entry.names.size() != size_t(dependencies.size()))
+    if (entry.dependencyFileTime != dependencyFileTime ||
+        entry.names.size() != size_t(dependencies.size()))
         return false;
     for (qsizetype i = 0; i < dependencies.size(); ++i) {
         const QString &kept = m_names.at(qsizetype(entry.names[size_t(i)]));

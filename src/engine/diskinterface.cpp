@@ -34,7 +34,8 @@ int RealDiskInterface::statFile(const QByteArray &name, struct stat &status)
     const qsizetype slash = name.lastIndexOf('/');
     if (slash < 0 || slash + 1 == name.size())
         return ::stat(name.constData(), &status);
-    const QByteArray directory = QByteArray::fromRawData(name.constData(), qMax<qsizetype>(slash, 1));
+    const QByteArray directory =
+        QByteArray::fromRawData(name.constData(), qMax<qsizetype>(slash, 1));
     auto found = m_directories.constFind(directory);
     if (found == m_directories.constEnd()) {
         // A directory that isn't there is not remembered: the build may make it.

@@ -58,8 +58,7 @@ BuildSignature StandardBuildSystem::commandSignature(ProjectElement *element,
 }
 
 QStringList StandardBuildSystem::settingsSignature(ProjectElement *owner,
-                                                   const QString &configuration,
-                                                   BuildAction action)
+                                                   const QString &configuration, BuildAction action)
 {
     // Settings are found on the elements that have configurations of their own, so every
     // element below the same one has the same values, and shares one list of them.

@@ -175,7 +175,8 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
         QStringList dependencies = dependencyCache.value(absolute);
         // A kept list whose files are all known to be older needs no look at each name; any
         // other answer is worked out, and told, name by name.
-        const bool current = !dependencies.isEmpty() && dependencyCache.noneNewer(absolute, modified);
+        const bool current =
+            !dependencies.isEmpty() && dependencyCache.noneNewer(absolute, modified);
         if (dependencies.isEmpty())
             dependencies = getObjectFileDependencies(buildDirectory, input, absolute);
         if (dependencies.isEmpty())

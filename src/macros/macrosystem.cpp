@@ -117,8 +117,7 @@ bool expandOnce(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMa
             if (overlayUsed)
                 *overlayUsed = true;
             result += dynamicValue;
-        }
-        else
+        } else
             result += *found;
         if (result.size() > maxLength)
             return false;

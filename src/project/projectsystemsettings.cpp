@@ -85,7 +85,8 @@ QString ProjectSystem::settingFor(ProjectElement *element, const PropertyClass *
     if (!m_settingsSteady || trace)
         return resolveSetting(element, propertyClass, configuration, trace);
     QString result;
-    for (const QString &value : steadyValues(settingsOwner(element), propertyClass, configuration)) {
+    for (const QString &value :
+         steadyValues(settingsOwner(element), propertyClass, configuration)) {
         if (result.isEmpty())
             result = value;
         else
@@ -129,8 +130,8 @@ const QStringList &ProjectSystem::steadyValues(ProjectElement *anchor,
     };
     bool done = take(configuration);
     if (!done && configuration != common()) {
-        for (const QString &name : inheritedListFrom(anchor->nearest(ProjectElement::Solution),
-                                                     configuration)) {
+        for (const QString &name :
+             inheritedListFrom(anchor->nearest(ProjectElement::Solution), configuration)) {
             if ((done = take(name)))
                 break;
         }
@@ -147,8 +148,7 @@ const QStringList &ProjectSystem::steadyValues(ProjectElement *anchor,
     return *m_steadySettings.insert(key, values);
 }
 
-QString ProjectSystem::resolveSetting(ProjectElement *element,
-                                      const PropertyClass *propertyClass,
+QString ProjectSystem::resolveSetting(ProjectElement *element, const PropertyClass *propertyClass,
                                       const QString &configuration,
                                       PropertyInheritanceInformation *trace) const
 {

@@ -65,8 +65,8 @@ TEST(DependencyCache, ADamagedFileIsIgnoredAndWrittenAfresh)
     DependencyCache probe;
     ASSERT_TRUE(probe.parse("/p/Debug", good));
 
-    QList<QByteArray> damaged = {QByteArray(), QByteArray(4096, '\xff'),
-                                 good + 'x', QByteArray(good).replace("dependencies 1", "dependencies 2")};
+    QList<QByteArray> damaged = {QByteArray(), QByteArray(4096, '\xff'), good + 'x',
+                                 QByteArray(good).replace("dependencies 1", "dependencies 2")};
     // Every cut, and every byte of the numbers turned to 0xff: counts and indices beyond the
     // file must be refused, never followed.
     for (qsizetype size = 0; size < good.size(); ++size)

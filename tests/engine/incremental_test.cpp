@@ -32,18 +32,18 @@ QByteArray placement(const QByteArray &section)
 QByteArray solution(const QByteArray &appSettings = "", const QByteArray &libFiles = "",
                     const QByteArray &utilSettings = "")
 {
-    const QByteArray util =
-        utilSettings.isEmpty()
-            ? QByteArray("<file file_name=\"util.c\"/>")
-            : "<file file_name=\"util.c\"><configuration Name=\"Common\" " + utilSettings +
-                  "/></file>";
+    const QByteArray util = utilSettings.isEmpty()
+                                ? QByteArray("<file file_name=\"util.c\"/>")
+                                : "<file file_name=\"util.c\"><configuration Name=\"Common\" " +
+                                      utilSettings + "/></file>";
     return solutionText(R"(<configuration Name="Debug"/>
 <project Name="app">
   <configuration Name="Common" project_directory="app" project_type="Executable"
     project_dependencies="lib" linker_memory_map_file="map.xml"
     linker_section_placement_file="placement.xml" )" +
                         appSettings + R"(/>
-  <file file_name="main.c"/>)" + util + R"(
+  <file file_name="main.c"/>)" +
+                        util + R"(
 </project>
 <project Name="lib">
   <configuration Name="Common" project_directory="lib" project_type="Library"/>

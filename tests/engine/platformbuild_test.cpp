@@ -183,7 +183,8 @@ TEST_F(PlatformBuild, EachFileGetsItsOwnIntermediateDirectoryWhenItNamesOne)
     // differs from file to file.
     loadBuilt();
     set("App", "build_intermediate_directory", "Debug/$(InputName)");
-    EXPECT_TRUE(system->build(element("App"), "Debug", &builder, BUILD_FORCE | quiet, false, false));
+    EXPECT_TRUE(
+        system->build(element("App"), "Debug", &builder, BUILD_FORCE | quiet, false, false));
     EXPECT_EQ(events().filter(QRegularExpression("^command 2")),
               (QStringList{"command 2 Debug/a/a.o src/a.c", "command 2 Debug/b/b.o src/b.c"}));
 }
