@@ -64,12 +64,6 @@ private:
     qsizetype m_offset = 0;
 };
 
-QString directoryPart(const QString &object)
-{
-    const qsizetype slash = object.lastIndexOf(QLatin1Char('/'));
-    return slash < 0 ? QStringLiteral(".") : object.left(qMax<qsizetype>(slash, 1));
-}
-
 QString cacheFilePath(const QString &directory)
 {
     return directory + QLatin1Char('/') + QLatin1String(DependencyCache::fileName());
@@ -104,7 +98,7 @@ DependencyCache::Directory &DependencyCache::directoryOf(const QString &object)
     if (m_lastDirectory && object.size() > length && object.startsWith(m_lastDirectoryName) &&
         object.at(length) == QLatin1Char('/') && object.indexOf(QLatin1Char('/'), length + 1) < 0)
         return *m_lastDirectory;
-    const QString directory = directoryPart(object);
+    const QString directory = fileDirectory(object);
     // Entering a directory may move the others in memory.
     m_lastDirectory = nullptr;
     Directory &known = m_directories[directory];

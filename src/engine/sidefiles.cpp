@@ -1,17 +1,12 @@
 #include "engine/sidefiles.h"
 
-namespace {
-
-// The directory part of `file` as QFileInfo::path() gives it, without building a QFileInfo
-// on the up-to-date path.
-QString directoryOf(const QString &file, qsizetype slash)
+QString fileDirectory(const QString &file)
 {
+    const qsizetype slash = file.lastIndexOf(QLatin1Char('/'));
     if (slash < 0)
         return QStringLiteral(".");
     return slash == 0 ? QStringLiteral("/") : file.left(slash);
 }
-
-} // namespace
 
 QString sideFilePath(const QString &directory, const QString &file, const QString &extension)
 {
@@ -22,7 +17,7 @@ QString sideFilePath(const QString &directory, const QString &file, const QStrin
 
 QString sideFilePath(const QString &file, const QString &extension)
 {
-    return sideFilePath(directoryOf(file, file.lastIndexOf(QLatin1Char('/'))), file, extension);
+    return sideFilePath(fileDirectory(file), file, extension);
 }
 
 QString dependencyFilePath(const QString &objectPath)

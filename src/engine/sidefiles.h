@@ -5,6 +5,10 @@
 // Files that a command makes beside its main output or input. The command lines and the
 // up-to-date tests both name them through these, so the two never disagree.
 
+/// The directory part of `file` as QFileInfo::path() gives it, without building a QFileInfo:
+/// "." when it names none, "/" at the root.
+QString fileDirectory(const QString &file);
+
 /// `directory`, "/", the file name of `file` without its last extension, then `extension`
 /// (which brings its own dot): a map, a script or a converted image beside an output.
 QString sideFilePath(const QString &directory, const QString &file, const QString &extension);
