@@ -5,6 +5,8 @@
 # report, an input slower than a second or one that needs more than 256 MB is a finding: the
 # input is kept in fuzz/findings/NAME/ and the script exits non-zero.
 # FUZZ_RUNS=N also stops a target after N executions, whichever limit comes first.
+# FUZZ_TIMEOUT=S and FUZZ_RSS_MB=M widen the two limits for long runs on a busy machine (the
+# time limit is wall-clock) or where the sanitizer's allocator holds on to freed memory.
 # Usage: scripts/fuzz.sh [SECONDS] [NAME...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -34,7 +36,7 @@ for target in "${targets[@]}"; do
   status=0
   "build-fuzz/fuzz/$target" "$work" "fuzz/corpus/$target" -max_total_time="$seconds" \
     -runs="${FUZZ_RUNS:--1}" \
-    -timeout=1 -rss_limit_mb=256 -max_len=4096 -print_final_stats=1 \
+    -timeout="${FUZZ_TIMEOUT:-1}" -rss_limit_mb="${FUZZ_RSS_MB:-256}" -max_len=4096 -print_final_stats=1 \
     -artifact_prefix="$findings/" >"$log" 2>&1 || status=$?
   executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)
   elapsed=$(sed -n 's/^Done [0-9]* runs in \([0-9]*\) second.*/\1/p' "$log" | tail -1)

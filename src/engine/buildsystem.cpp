@@ -2,6 +2,7 @@
 
 #include "engine/builder.h"
 #include "engine/diskinterface.h"
+#include "engine/filemacros.h"
 #include "macros/macrosystem.h"
 #include "project/projectelement.h"
 #include "project/projectsystem.h"
@@ -427,7 +428,7 @@ const QMap<QString, QString> &BuildSystem::projectMacroBase(ProjectElement *elem
     return known.map;
 }
 
-QString BuildSystem::directoryMacro(const QMap<QString, QString> &own,
+QString BuildSystem::directoryMacro(MacroSource &own,
                                     const QMap<QString, QString> &base,
                                     const PropertyClass *propertyClass, ProjectElement *element,
                                     const QString &configuration)
@@ -449,37 +450,11 @@ QString BuildSystem::directoryMacro(const QMap<QString, QString> &own,
     return directory;
 }
 
-QMap<QString, QString> BuildSystem::elementMacros(ProjectElement *element,
-                                                  const QString &configuration,
-                                                  const QMap<QString, QString> &base)
-{
-    QMap<QString, QString> own;
-    own.insert(QStringLiteral("ProjectNodeName"), nameOf(element));
-    if (element && element->type() == ProjectElement::File) {
-        const QFileInfo input(element->filePath());
-        own.insert(QStringLiteral("InputDir"), input.path());
-        own.insert(QStringLiteral("InputName"), input.baseName());
-        own.insert(QStringLiteral("InputFileName"), input.fileName());
-        own.insert(QStringLiteral("InputExt"), input.completeSuffix());
-        own.insert(QStringLiteral("InputPath"), input.absoluteFilePath());
-        own.insert(QStringLiteral("RelInputPath"), element->relativePath());
-    }
-
-    own.insert(
-        QStringLiteral("IntDir"),
-        directoryMacro(own, base, buildIntermediateDirectoryProperty, element, configuration));
-    own.insert(QStringLiteral("OutDir"),
-               directoryMacro(own, base, buildOutputDirectoryProperty, element, configuration));
-
-    addMacros(element, configuration, own);
-    return own;
-}
-
 QMap<QString, QString> BuildSystem::macros(ProjectElement *element, const QString &configuration)
 {
     // A copy: the base may be replaced by the next project's while the set is in use.
     QMap<QString, QString> map = projectMacroBase(element, configuration);
-    const QMap<QString, QString> own = elementMacros(element, configuration, map);
+    const QMap<QString, QString> own = FileMacros(*this, element, configuration, map).all();
     for (auto it = own.cbegin(); it != own.cend(); ++it)
         map.insert(it.key(), it.value());
     return map;
@@ -505,14 +480,15 @@ QString BuildSystem::replaceMacros(ProjectElement *element, const QString &text,
     // projects only): expanded as such, no whole set is made for each of thousands of files.
     if (!m_buildSerial || !element || element->type() != ProjectElement::File)
         return macroSystem.replaceMacros(macroSet(element, configuration), text);
-    FileMacros &file = m_fileMacros;
-    if (!(file.serial == m_buildSerial && file.element == element &&
-          file.configuration == configuration)) {
-        const QMap<QString, QString> &base = projectMacroBase(element, configuration);
-        file = {m_buildSerial, element, configuration, base,
-                elementMacros(element, configuration, base)};
+    FileMacros *file = m_fileMacros.get();
+    if (!(file && m_fileMacrosSerial == m_buildSerial && file->element() == element &&
+          file->configuration() == configuration)) {
+        m_fileMacros = std::make_unique<FileMacros>(*this, element, configuration,
+                                                    projectMacroBase(element, configuration));
+        m_fileMacrosSerial = m_buildSerial;
+        file = m_fileMacros.get();
     }
-    return macroSystem.replaceMacros(file.own, file.base, text);
+    return macroSystem.replaceMacros(*file, file->base(), text);
 }
 
 QString BuildSystem::settingForExpanded(ProjectElement *element, const PropertyClass *propertyClass,

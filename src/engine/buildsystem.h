@@ -1,5 +1,6 @@
 #pragma once
 
+#include "macros/macrosystem.h"
 #include "project/settingexpander.h"
 #include "properties/propertyclass.h"
 
@@ -246,30 +247,19 @@ private:
         QHash<QString, QString> directories;
     };
     ProjectMacros m_projectMacros;
-    /// The macros of the file last expanded for during a build: its project's (shared with
-    /// the project base) and its own.
-    struct FileMacros
-    {
-        quint64 serial = 0;
-        ProjectElement *element = nullptr;
-        QString configuration;
-        QMap<QString, QString> base;
-        QMap<QString, QString> own;
-    };
-    FileMacros m_fileMacros;
+    /// The macros of the element last expanded for during a build, over its project's.
+    class FileMacros;
+    std::unique_ptr<FileMacros> m_fileMacros;
+    quint64 m_fileMacrosSerial = 0;
     /// The macros that `element`'s project gives it (`projectLevelMacros`), kept during a
     /// build for the project last asked about.
     const QMap<QString, QString> &projectMacroBase(ProjectElement *element,
                                                    const QString &configuration);
     /// The directory `propertyClass` gives `element` (IntDir, OutDir), expanded with `own`
     /// over `base`.
-    QString directoryMacro(const QMap<QString, QString> &own, const QMap<QString, QString> &base,
+    QString directoryMacro(MacroSource &own, const QMap<QString, QString> &base,
                            const PropertyClass *propertyClass, ProjectElement *element,
                            const QString &configuration);
-    /// The macros of `element` itself, worked out over `base`: its name, a file's Input
-    /// macros, IntDir, OutDir and those `addMacros` adds.
-    QMap<QString, QString> elementMacros(ProjectElement *element, const QString &configuration,
-                                         const QMap<QString, QString> &base);
 };
 
 /// The process-wide build system; made by the build request, never destroyed.

@@ -46,25 +46,42 @@ std::vector<qsizetype> closingParentheses(const QString &text)
     return closing;
 }
 
-/// The value of a macro in a set laid over another, or null when neither has it.
-const QString *findMacro(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMap *base,
+/// A set of macros as an overlay.
+class MapSource : public MacroSource
+{
+public:
+    explicit MapSource(const MacroSystem::MacroMap &map) : m_map(map) {}
+    const QString *macro(const QString &name) override
+    {
+        const auto found = m_map.constFind(name);
+        return found == m_map.cend() ? nullptr : &found.value();
+    }
+
+private:
+    const MacroSystem::MacroMap &m_map;
+};
+
+/// The value of a macro in an overlay over a set, or null when neither has it.
+const QString *findMacro(MacroSource &overlay, const MacroSystem::MacroMap *base,
                          const QString &name, bool *overlayUsed)
 {
-    auto found = overlay.constFind(name);
-    if (found != overlay.cend()) {
+    if (const QString *own = overlay.macro(name)) {
         if (overlayUsed)
             *overlayUsed = true;
-        return &found.value();
+        return own;
     }
-    if (base && (found = base->constFind(name)) != base->cend())
-        return &found.value();
+    if (base) {
+        const auto found = base->constFind(name);
+        if (found != base->cend())
+            return &found.value();
+    }
     return nullptr;
 }
 
 /// One pass over `text` with the macros of `overlay` and then `base`. Sets `nested` if a
 /// reference holds a "$", and `*overlayUsed` if the pass took a value from `overlay` or the
 /// clock. False if the result grew beyond `maxLength`, which abandons the pass.
-bool expandOnce(const MacroSystem::MacroMap &overlay, const MacroSystem::MacroMap *base,
+bool expandOnce(MacroSource &overlay, const MacroSystem::MacroMap *base,
                 const QString &text, qsizetype maxLength, QString &result, bool &nested,
                 bool *overlayUsed)
 {
@@ -140,16 +157,24 @@ QString MacroSystem::replaceMacros(const MacroMap &macros, const QString &text) 
 
 QString MacroSystem::replaceMacros2(const MacroMap &macros, QString text) const
 {
-    return expand(macros, nullptr, std::move(text), nullptr);
+    MapSource source(macros);
+    return expand(source, nullptr, std::move(text), nullptr);
 }
 
 QString MacroSystem::replaceMacros(const MacroMap &overlay, const MacroMap &base,
                                    const QString &text, bool *overlayUsed) const
 {
+    MapSource source(overlay);
+    return expand(source, &base, text, overlayUsed);
+}
+
+QString MacroSystem::replaceMacros(MacroSource &overlay, const MacroMap &base, const QString &text,
+                                   bool *overlayUsed) const
+{
     return expand(overlay, &base, text, overlayUsed);
 }
 
-QString MacroSystem::expand(const MacroMap &overlay, const MacroMap *base, QString text,
+QString MacroSystem::expand(MacroSource &overlay, const MacroMap *base, QString text,
                             bool *overlayUsed) const
 {
     if (!text.contains(QLatin1Char('$')))

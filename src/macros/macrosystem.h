@@ -4,6 +4,16 @@
 #include <QString>
 #include <QStringList>
 
+/// Macros whose values are worked out only when a text names them.
+class MacroSource
+{
+public:
+    virtual ~MacroSource() = default;
+    /// The value of the macro `name`, or null if this source has none; valid until the next
+    /// call.
+    virtual const QString *macro(const QString &name) = 0;
+};
+
 /// The one service that knows the `$(Name)` and `$(Name:default)` syntax, the list encodings,
 /// and the two process-wide macro sets: system macros (set by the program) and global macros
 /// (kept by the user in the environment settings).
@@ -27,6 +37,9 @@ public:
     /// result took a value from `overlay` (or the clock), so that one that didn't can be kept
     /// for the same `base`.
     QString replaceMacros(const MacroMap &overlay, const MacroMap &base, const QString &text,
+                          bool *overlayUsed = nullptr) const;
+    /// The same with an overlay that works its values out as they are named.
+    QString replaceMacros(MacroSource &overlay, const MacroMap &base, const QString &text,
                           bool *overlayUsed = nullptr) const;
 
     /// The system macros.
@@ -64,7 +77,7 @@ public:
     static bool dynamicMacro(const QString &name, QString &value);
 
 private:
-    QString expand(const MacroMap &overlay, const MacroMap *base, QString text,
+    QString expand(MacroSource &overlay, const MacroMap *base, QString text,
                    bool *overlayUsed) const;
 
     MacroMap m_systemMacros;

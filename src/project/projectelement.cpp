@@ -381,9 +381,11 @@ void ProjectElement::checkDoFileStuff()
 {
     if (m_fileInfoValid)
         return;
-    const QString name = macroSystem.replaceMacros(macroSystem.globalMacros(true),
-                                                   m_attributes.value(fileNameAttribute));
-    doFileStuff(QFileInfo(name));
+    // Most names hold no macro; those need not see the global set made.
+    const QString raw = m_attributes.value(fileNameAttribute);
+    doFileStuff(QFileInfo(raw.contains(QLatin1Char('$'))
+                              ? macroSystem.replaceMacros(macroSystem.globalMacros(true), raw)
+                              : raw));
 }
 
 void ProjectElement::setFile(const QString &path, bool fromTemplate)
