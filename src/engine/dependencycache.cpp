@@ -6,6 +6,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -105,8 +106,13 @@ DependencyCache::Directory &DependencyCache::directoryOf(const QString &object)
     if (!known.loaded) {
         known.loaded = true;
         QByteArray bytes;
-        if (disk().readFile(cacheFilePath(directory), maximumCacheFileSize, bytes))
-            parse(directory, bytes);
+        const QString cacheFile = cacheFilePath(directory);
+        if (disk().readFile(cacheFile, maximumCacheFileSize, bytes) && parse(directory, bytes)) {
+            const qint64 written = disk().stamp(cacheFile);
+            Directory &parsed = m_directories[directory];
+            parsed.quiet = written >= 0 && written == disk().stamp(directory);
+            parsed.savedAt = written / 1000000;
+        }
     }
     Directory &entered = m_directories[directory];
     if (directory.size() > 1) {
@@ -122,7 +128,8 @@ qint64 DependencyCache::dependencyFileTime(const QString &object)
     return modified.isValid() ? modified.toMSecsSinceEpoch() : -1;
 }
 
-const DependencyCache::Entry *DependencyCache::currentEntry(const QString &object)
+const DependencyCache::Entry *DependencyCache::currentEntry(const QString &object,
+                                                            qint64 objectTime)
 {
     const Directory &directory = directoryOf(object);
     const auto found = directory.entries.constFind(object);
@@ -130,16 +137,21 @@ const DependencyCache::Entry *DependencyCache::currentEntry(const QString &objec
         return nullptr;
     const quint64 now = disk().generation() + 1;
     if (found->checked != now) {
-        if (found->dependencyFileTime != dependencyFileTime(object))
+        // In a quiet directory only a compile can have rewritten the dependency file, and
+        // that would have made the object newer than the cache file.
+        const bool unchanged = directory.quiet && objectTime != unknownTime &&
+                               objectTime <= directory.savedAt;
+        if (!unchanged && found->dependencyFileTime != dependencyFileTime(object))
             return nullptr;
         found->checked = now;
     }
     return &*found;
 }
 
-QStringList DependencyCache::value(const QString &object)
+QStringList DependencyCache::value(const QString &object, const QDateTime &objectTime)
 {
-    const Entry *found = currentEntry(object);
+    const Entry *found =
+        currentEntry(object, objectTime.isValid() ? objectTime.toMSecsSinceEpoch() : unknownTime);
     if (!found)
         return QStringList();
     QStringList list;
@@ -153,7 +165,8 @@ bool DependencyCache::noneNewer(const QString &object, const QDateTime &objectTi
 {
     constexpr qint64 unknown = std::numeric_limits<qint64>::min();
     constexpr qint64 missing = unknown + 1;
-    const Entry *found = objectTime.isValid() ? currentEntry(object) : nullptr;
+    const Entry *found =
+        objectTime.isValid() ? currentEntry(object, objectTime.toMSecsSinceEpoch()) : nullptr;
     if (!found)
         return false;
     DiskInterface &files = disk();
@@ -231,11 +244,29 @@ void DependencyCache::clear()
 void DependencyCache::save()
 {
     for (auto it = m_directories.begin(); it != m_directories.end(); ++it) {
-        if (!it->changed)
-            continue;
-        it->changed = false;
-        disk().writeFile(cacheFilePath(it.key()), serialize(it.key()));
+        // A directory that changed under an unchanged cache is written too once every entry
+        // was found current, so that the next run finds it quiet.
+        const auto &entries = it->entries;
+        const auto checked = [](const Entry &entry) { return entry.checked != 0; };
+        if (it->changed ||
+            (it->loaded && !it->quiet && !it->written && !entries.isEmpty() &&
+             std::all_of(entries.cbegin(), entries.cend(), checked)))
+            write(it.key(), *it);
     }
+}
+
+void DependencyCache::write(const QString &name, Directory &directory)
+{
+    directory.changed = false;
+    directory.written = true;
+    // What this run does in the directory from now on is not reflected in the stamp.
+    directory.quiet = false;
+    const QString cacheFile = cacheFilePath(name);
+    if (!disk().writeFile(cacheFile, serialize(name)))
+        return;
+    const qint64 stamp = disk().stamp(name);
+    if (stamp >= 0)
+        disk().setStamp(cacheFile, stamp);
 }
 
 QByteArray DependencyCache::serialize(const QString &directory) const

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <limits>
 #include <vector>
 
 class DiskInterface;
@@ -26,8 +27,10 @@ public:
 
     /// The list kept for `object`, or an empty one when there is none or its dependency file
     /// changed since. Reads the cache file of the object's directory the first time it is
-    /// asked about that directory.
-    QStringList value(const QString &object);
+    /// asked about that directory. Given the object's time, the dependency file need not be
+    /// looked at while neither the object nor anything in the directory changed since the
+    /// cache file was written.
+    QStringList value(const QString &object, const QDateTime &objectTime = QDateTime());
     /// Whether every dependency kept for `object` exists and none is newer than `objectTime`.
     /// The times come from the disk but are remembered by name for as long as its answers
     /// hold, so that the headers many objects share are looked up once. False also when that
@@ -67,6 +70,15 @@ private:
         QHash<QString, Entry> entries;
         bool loaded = false;
         bool changed = false;
+        /// Whether nothing came, went or was renamed in the directory since its cache file
+        /// was written (the file has the directory's time, which it is given when written),
+        /// so no dependency file was removed or made anew since.
+        bool quiet = false;
+        /// When the cache file was written, in milliseconds since the epoch: no object
+        /// older than that was compiled since.
+        qint64 savedAt = 0;
+        /// Whether this run wrote the cache file.
+        bool written = false;
     };
 
     DiskInterface &disk();
@@ -77,8 +89,13 @@ private:
                const QStringList &dependencies) const;
     qint64 dependencyFileTime(const QString &object);
 
-    /// The entry of `object` if it is there and its dependency file has the time it had.
-    const Entry *currentEntry(const QString &object);
+    /// The entry of `object` if it is there and its dependency file has the time it had, or
+    /// the object, of `objectTime` (milliseconds; `unknownTime` for not given), and its quiet
+    /// directory are as they were when the entry was written.
+    const Entry *currentEntry(const QString &object, qint64 objectTime);
+    /// Writes the cache file of `directory` and gives it the directory's new time.
+    void write(const QString &name, Directory &directory);
+    static constexpr qint64 unknownTime = std::numeric_limits<qint64>::min();
 
     QHash<QString, Directory> m_directories;
     /// The directory last asked about (objects come a directory at a time), or null.

@@ -150,3 +150,21 @@ bool RealDiskInterface::writeFile(const QString &path, const QByteArray &content
     return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
            file.commit();
 }
+
+qint64 RealDiskInterface::stamp(const QString &path)
+{
+    struct stat status;
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return -1;
+    return qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec;
+}
+
+bool RealDiskInterface::setStamp(const QString &path, qint64 stamp)
+{
+    invalidate(path);
+    if (stamp < 0)
+        return false;
+    const struct timespec times[2] = {{0, UTIME_OMIT},
+                                      {time_t(stamp / 1000000000), long(stamp % 1000000000)}};
+    return ::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0) == 0;
+}

@@ -29,6 +29,12 @@ public:
     /// Writes `contents` to `path` through a temporary file and a rename, making its directory
     /// first; false when it can't, leaving any earlier file as it was.
     virtual bool writeFile(const QString &path, const QByteArray &contents) = 0;
+    /// The modification time of `path`, a file or a directory, in nanoseconds since the epoch,
+    /// asked afresh; -1 when there is none. Creating, removing or renaming a file changes its
+    /// directory's.
+    virtual qint64 stamp(const QString &path) = 0;
+    /// Gives the file `path` the modification time `stamp`; false when it can't.
+    virtual bool setStamp(const QString &path, qint64 stamp) = 0;
     /// Forgets what is known of `path`: a command is about to make or change it.
     virtual void invalidate(const QString &path) = 0;
     /// Forgets everything known: a command with unknown effects has run, or a build starts.
@@ -61,6 +67,8 @@ public:
     bool readFile(const QString &path, qint64 maximumSize, QByteArray &contents) override;
     bool removeFile(const QString &path) override;
     bool writeFile(const QString &path, const QByteArray &contents) override;
+    qint64 stamp(const QString &path) override;
+    bool setStamp(const QString &path, qint64 stamp) override;
     void invalidate(const QString &path) override;
     void invalidateAll() override;
 

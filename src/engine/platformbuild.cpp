@@ -172,7 +172,7 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
         exists(buildDirectory, objectFile, absolute, modified, builder, flags.quiet);
     const BuildSignature signature = commandSignature(file, configuration, action, {input});
     if (present && !force) {
-        QStringList dependencies = dependencyCache.value(absolute);
+        QStringList dependencies = dependencyCache.value(absolute, modified);
         // A kept list whose files are all known to be older needs no look at each name; any
         // other answer is worked out, and told, name by name.
         const bool current =

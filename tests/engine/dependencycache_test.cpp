@@ -92,3 +92,49 @@ TEST(DependencyCache, ADamagedFileIsIgnoredAndWrittenAfresh)
         ASSERT_EQ(again.value("/p/Debug/main.o"), mainList);
     }
 }
+
+TEST(DependencyCache, AQuietDirectorySparesTheDependencyFilesButNotWhatChanged)
+{
+    FakeDisk disk;
+    savedCache(disk);
+    const QDateTime old = QDateTime::fromMSecsSinceEpoch(5, Qt::UTC);
+    auto nextRun = [&disk] {
+        auto cache = std::make_unique<DependencyCache>();
+        cache->setDisk(&disk);
+        return cache;
+    };
+
+    auto cache = nextRun();
+    disk.stats = 0;
+    EXPECT_EQ(cache->value("/p/Debug/main.o", old), mainList);
+    EXPECT_EQ(cache->value("/p/Debug/util.o", old), utilList);
+    EXPECT_EQ(disk.stats, 0) << "nothing changed: no dependency file is looked at";
+
+    // A compile outside the build rewrites a dependency file in place and makes its object
+    // newer than the cache file.
+    disk.touch("/p/Debug/main.d", 500);
+    cache = nextRun();
+    EXPECT_EQ(cache->value("/p/Debug/main.o", QDateTime::fromMSecsSinceEpoch(500, Qt::UTC)),
+              QStringList());
+    EXPECT_EQ(cache->value("/p/Debug/util.o", old), utilList);
+
+    // A removed dependency file changes the directory: every entry is looked at again.
+    disk.erase("/p/Debug/util.d");
+    cache = nextRun();
+    EXPECT_EQ(cache->value("/p/Debug/util.o", old), QStringList());
+    EXPECT_EQ(cache->value("/p/Debug/main.o", old), QStringList());
+
+    // Once a run found every entry current, the file is written again and the next run is
+    // spared the look once more.
+    disk.touch("/p/Debug/util.d", 10);
+    disk.touch("/p/Debug/main.d", 10);
+    disk.touch("/p/Debug/new.o", 10); // the directory changes under the cache
+    cache = nextRun();
+    EXPECT_EQ(cache->value("/p/Debug/main.o", old), mainList);
+    EXPECT_EQ(cache->value("/p/Debug/util.o", old), utilList);
+    cache->save();
+    cache = nextRun();
+    disk.stats = 0;
+    EXPECT_EQ(cache->value("/p/Debug/main.o", old), mainList);
+    EXPECT_EQ(disk.stats, 0);
+}

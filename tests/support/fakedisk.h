@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/diskinterface.h"
+#include "engine/sidefiles.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -14,13 +15,17 @@ public:
     void touch(const QString &path, qint64 time, const QByteArray &contents = QByteArray())
     {
         changed();
+        latest = qMax(latest, time);
+        if (!files.contains(path))
+            directoryChanged(path);
         files.insert(path, time);
         this->contents.insert(path, contents);
     }
     void erase(const QString &path)
     {
         changed();
-        files.remove(path);
+        if (files.remove(path))
+            directoryChanged(path);
         contents.remove(path);
     }
 
@@ -55,10 +60,32 @@ public:
         touch(path, 0, data);
         return true;
     }
+    qint64 stamp(const QString &path) override
+    {
+        const auto found = files.constFind(path);
+        return found != files.cend() ? *found * 1000000 : directories.value(path, -1);
+    }
+    bool setStamp(const QString &path, qint64 stamp) override
+    {
+        if (!files.contains(path))
+            return false;
+        changed();
+        files.insert(path, stamp / 1000000);
+        return true;
+    }
     void invalidate(const QString &) override { changed(); }
     void invalidateAll() override { changed(); }
 
+    /// A file came or went in the directory of `path`: the directory changes, later than
+    /// any time seen so far.
+    void directoryChanged(const QString &path)
+    {
+        directories.insert(fileDirectory(path), ++latest * 1000000);
+    }
+
     QHash<QString, qint64> files;
+    QHash<QString, qint64> directories; ///< stamps, nanoseconds
+    qint64 latest = 0;
     QHash<QString, QByteArray> contents;
     QStringList removed;
     QStringList readOnly; ///< files that can't be removed
