@@ -25,6 +25,27 @@ void RealDiskInterface::closeDirectories()
     for (const int descriptor : std::as_const(m_directories))
         ::close(descriptor);
     m_directories.clear();
+    m_lastDirectory = -1;
+    m_lastDirectoryName.clear();
+}
+
+/// `path` in the file system's encoding: ASCII as it is, without an allocation once `buffer`
+/// has grown, anything else as Qt encodes it.
+static const QByteArray &encodedName(const QString &path, QByteArray &buffer)
+{
+    const qsizetype size = path.size();
+    buffer.resize(size);
+    char *out = buffer.data();
+    const QChar *in = path.constData();
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = in[i].unicode();
+        if (c >= 0x80 || c == 0) {
+            buffer = QFile::encodeName(path);
+            return buffer;
+        }
+        out[i] = char(c);
+    }
+    return buffer;
 }
 
 int RealDiskInterface::statFile(const QByteArray &name, struct stat &status)
@@ -34,20 +55,26 @@ int RealDiskInterface::statFile(const QByteArray &name, struct stat &status)
     const qsizetype slash = name.lastIndexOf('/');
     if (slash < 0 || slash + 1 == name.size())
         return ::stat(name.constData(), &status);
-    const QByteArray directory =
-        QByteArray::fromRawData(name.constData(), qMax<qsizetype>(slash, 1));
-    auto found = m_directories.constFind(directory);
-    if (found == m_directories.constEnd()) {
-        // A directory that isn't there is not remembered: the build may make it.
-        const QByteArray owned(directory.constData(), directory.size());
-        const int descriptor = m_directories.size() < maximumOpenDirectories
-                                   ? ::open(owned.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC)
-                                   : -1;
-        if (descriptor < 0)
-            return ::stat(name.constData(), &status);
-        found = m_directories.insert(owned, descriptor);
+    const QByteArrayView directory(name.constData(), qMax<qsizetype>(slash, 1));
+    // Files come a directory at a time.
+    if (m_lastDirectory < 0 || directory != QByteArrayView(m_lastDirectoryName)) {
+        auto found = m_directories.constFind(QByteArray::fromRawData(directory.data(),
+                                                                     directory.size()));
+        if (found == m_directories.constEnd()) {
+            // A directory that isn't there is not remembered: the build may make it.
+            const QByteArray owned = directory.toByteArray();
+            const int descriptor =
+                m_directories.size() < maximumOpenDirectories
+                    ? ::open(owned.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC)
+                    : -1;
+            if (descriptor < 0)
+                return ::stat(name.constData(), &status);
+            found = m_directories.insert(owned, descriptor);
+        }
+        m_lastDirectoryName = found.key();
+        m_lastDirectory = *found;
     }
-    return ::fstatat(*found, name.constData() + slash + 1, &status, 0);
+    return ::fstatat(m_lastDirectory, name.constData() + slash + 1, &status, 0);
 }
 
 QDateTime RealDiskInterface::timeOf(const QString &path)
@@ -55,7 +82,7 @@ QDateTime RealDiskInterface::timeOf(const QString &path)
     struct stat status;
     ++m_statCount;
     // Directories and other non-files count as missing: nothing a build makes or reads is one.
-    if (statFile(QFile::encodeName(path), status) != 0 || S_ISDIR(status.st_mode))
+    if (statFile(encodedName(path, m_nameBuffer), status) != 0 || S_ISDIR(status.st_mode))
         return QDateTime();
     const qint64 milliseconds =
         qint64(status.st_mtim.tv_sec) * 1000 + status.st_mtim.tv_nsec / 1000000;
@@ -64,12 +91,12 @@ QDateTime RealDiskInterface::timeOf(const QString &path)
 
 RealDiskInterface::Entry &RealDiskInterface::entry(const QString &path)
 {
-    auto found = m_entries.find(path);
-    if (found != m_entries.end())
-        return *found;
-    Entry fresh;
-    fresh.modified = timeOf(path);
-    return *m_entries.insert(path, fresh);
+    Entry &known = m_entries[path];
+    if (!known.looked) {
+        known.modified = timeOf(path);
+        known.looked = true;
+    }
+    return known;
 }
 
 QDateTime RealDiskInterface::probe(const QString &path)

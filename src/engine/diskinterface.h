@@ -80,6 +80,7 @@ private:
     {
         QDateTime modified; ///< invalid when the file does not exist
         int readable = -1;  ///< -1 not asked yet, else 0 or 1
+        bool looked = false;
     };
     Entry &entry(const QString &path);
     /// The modification time `stat` gives `path`; invalid for a missing file or a directory.
@@ -91,5 +92,10 @@ private:
     static constexpr qsizetype maximumOpenDirectories = 256;
     QHash<QString, Entry> m_entries;
     QHash<QByteArray, int> m_directories;
+    /// The directory of the last file asked about, and its descriptor (-1 for none).
+    QByteArray m_lastDirectoryName;
+    int m_lastDirectory = -1;
+    /// Reused for the encoded names of files.
+    QByteArray m_nameBuffer;
     qint64 m_statCount = 0;
 };

@@ -341,6 +341,7 @@ void ProjectElement::setPath(const QString &path)
 {
     m_fileInfoValid = true;
     m_path.setPath(path);
+    m_pathStale = false;
     m_filePath = path;
     m_fileInfo.reset();
 }
@@ -371,7 +372,7 @@ void ProjectElement::doFileStuff(const QFileInfo &info)
         m_relativePath = info.absoluteFilePath();
     const QString full =
         hasRelativeForm ? m_projectDirectory + QLatin1Char('/') + m_relativePath : m_relativePath;
-    m_path.setPath(full);
+    m_pathStale = true;
     m_filePath = full;
     m_fileInfo.reset();
     m_fileInfoValid = true;
@@ -423,6 +424,15 @@ void ProjectElement::setFileName(const QString &name, bool fromTemplate)
 const Path &ProjectElement::path()
 {
     checkDoFileStuff();
+    return storedPath();
+}
+
+const Path &ProjectElement::storedPath() const
+{
+    if (m_pathStale) {
+        m_path.setPath(m_filePath);
+        m_pathStale = false;
+    }
     return m_path;
 }
 

@@ -152,7 +152,7 @@ public:
     /// The absolute file of the element.
     const Path &path();
     /// The file as last set, without working it out from "file_name"; empty if never set.
-    const Path &storedPath() const { return m_path; }
+    const Path &storedPath() const;
     const QFileInfo &fileInfo();
     /// The full name of the element's file, as `fileInfo()` would give it, without making one.
     QString filePath();
@@ -204,7 +204,10 @@ private:
     QMap<QString, QString> m_pendingRemoved;
     bool m_inTransaction = false;
     bool m_fileInfoValid = false;
-    Path m_path;
+    /// Made from `m_filePath` when first asked for after the file was worked out: a build
+    /// asks for few of them.
+    mutable Path m_path;
+    mutable bool m_pathStale = false;
     /// The full name of the element's file; its QFileInfo is made only when someone asks for
     /// it, as thousands of elements rarely need one.
     QString m_filePath;

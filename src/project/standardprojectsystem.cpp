@@ -181,7 +181,14 @@ QString StandardProjectSystem::getFileType(ProjectElement *element)
     if (!element->cachedFileType().isEmpty())
         return element->cachedFileType();
 
-    const QString suffix = QFileInfo(element->filePath()).suffix().toLower();
+    // The suffix is that of the name as written unless a macro makes the name: headers and
+    // other files without an action need no more worked out than that.
+    const QString written = element->attribute(QStringLiteral("file_name"));
+    const QString suffix =
+        QFileInfo(written.isEmpty() || written.contains(QLatin1Char('$')) ? element->filePath()
+                                                                            : written)
+            .suffix()
+            .toLower();
     const QString dotted = QLatin1Char('.') + suffix;
     QString type;
     if (suffix == QLatin1String("c"))
