@@ -436,7 +436,10 @@ QString BuildSystem::directoryMacro(MacroSource &own,
     // The directories of most files come from their project's macros alone; such an answer is
     // kept with the project's set, for the files after.
     const QString setting = projectSystem->settingFor(element, propertyClass, configuration);
-    const bool keep = m_buildSerial && &base == &m_projectMacros.map;
+    // Only a file's answers, worked out over the project's set itself (shared, so unchanged),
+    // are kept: another element has no Input macros, so not using its own says nothing.
+    const bool keep = m_buildSerial && element && element->type() == ProjectElement::File &&
+                      !base.isEmpty() && base.isSharedWith(m_projectMacros.map);
     QHash<QString, QString> &kept = m_projectMacros.directories;
     if (keep) {
         auto known = kept.constFind(setting);

@@ -125,7 +125,9 @@ bool expandOnce(MacroSource &overlay, const MacroSystem::MacroMap *base,
         if (token.contains(QLatin1Char('$')))
             nested = true;
         const qsizetype colon = token.indexOf(QLatin1Char(':'));
-        const QString name = (colon < 0 ? token : token.left(colon)).toString();
+        // The name is looked up in place: a text names a few macros, each of thousands.
+        const QStringView nameView = colon < 0 ? token : token.left(colon);
+        const QString name = QString::fromRawData(nameView.data(), nameView.size());
         const QString *found = findMacro(overlay, base, name, overlayUsed);
         QString dynamicValue;
         if (!found) {

@@ -17,8 +17,10 @@ template <typename What> struct ElementKey
         return element == other.element && what == other.what &&
                configuration == other.configuration;
     }
+    // A build asks about one configuration, mostly: hashing its name each time would cost
+    // more than the rare collision between configurations of one element.
     friend size_t qHash(const ElementKey &key, size_t seed = 0)
     {
-        return qHashMulti(seed, key.element, key.what, key.configuration);
+        return qHashMulti(seed, key.element, key.what);
     }
 };
