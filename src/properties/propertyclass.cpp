@@ -2,7 +2,6 @@
 
 #include "xml/xmlelement.h"
 
-#include <QColor>
 
 namespace {
 const char *const typeNames[] = {
@@ -46,14 +45,6 @@ PropertyClass::PropertyClass(const QString &saveName, Type type, const QStringLi
     : m_saveName(saveName), m_group(group), m_shortDescription(shortDescription),
       m_longDescription(longDescription), m_defaultValue(defaultValue), m_type(type),
       m_enumerates(enumerates)
-{
-}
-
-PropertyClass::PropertyClass(const QString &saveName, const QString &group,
-                             const QString &shortDescription, const QString &longDescription,
-                             const QColor &defaultValue)
-    : m_saveName(saveName), m_group(group), m_shortDescription(shortDescription),
-      m_longDescription(longDescription), m_defaultValue(defaultValue.name()), m_type(Color)
 {
 }
 

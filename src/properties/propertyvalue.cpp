@@ -3,13 +3,9 @@
 #include "properties/propertyclass.h"
 #include "properties/stringlistcodec.h"
 
-#include <QColor>
-#include <QFont>
 #include <QRect>
 
 namespace {
-const char automaticColor[] = "Automatic";
-
 bool usesEnumerates(const PropertyClass *propertyClass)
 {
     return propertyClass && (propertyClass->type() == PropertyClass::Enumeration ||
@@ -86,24 +82,6 @@ QStringList PropertyValue::toStringList(bool keepEmpty) const
     return splitStringList(textOrDefault(), keepEmpty);
 }
 
-QColor PropertyValue::toColor() const
-{
-    const QString text = textOrDefault();
-    if (text == QLatin1String(automaticColor))
-        return QColor();
-    return QColor(text);
-}
-
-QFont PropertyValue::toFont(const QFont &fallback) const
-{
-    const QString text = textOrDefault();
-    if (text.isEmpty())
-        return fallback;
-    QFont font;
-    font.fromString(text);
-    return font;
-}
-
 QRect PropertyValue::toRect() const
 {
     const QString text = propertyValue();
@@ -144,16 +122,6 @@ void PropertyValue::setValue(const QRect &value)
                          .arg(value.top())
                          .arg(value.width())
                          .arg(value.height()));
-}
-
-void PropertyValue::setValue(const QColor &value)
-{
-    setPropertyValue(value.isValid() ? value.name() : QString::fromLatin1(automaticColor));
-}
-
-void PropertyValue::setValue(const QFont &value)
-{
-    setPropertyValue(value.toString());
 }
 
 void PropertyValue::setValue(int value)
