@@ -167,7 +167,8 @@ bool DependencyCache::noneNewer(const QString &object, const QDateTime &objectTi
     constexpr qint64 missing = unknown + 1;
     const Entry *found =
         objectTime.isValid() ? currentEntry(object, objectTime.toMSecsSinceEpoch()) : nullptr;
-    if (!found)
+    // An empty list says nothing: the object then depends on its source.
+    if (!found || found->names.empty())
         return false;
     DiskInterface &files = disk();
     if (m_timesGeneration != files.generation()) {

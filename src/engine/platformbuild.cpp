@@ -172,20 +172,23 @@ bool StandardBuildSystem::compileStep(ProjectElement *file, const QString &confi
         exists(buildDirectory, objectFile, absolute, modified, builder, flags.quiet);
     const BuildSignature signature = commandSignature(file, configuration, action, {input});
     if (present && !force) {
-        QStringList dependencies = dependencyCache.value(absolute, modified);
-        // A kept list whose files are all known to be older needs no look at each name; any
-        // other answer is worked out, and told, name by name.
-        const bool current =
-            !dependencies.isEmpty() && dependencyCache.noneNewer(absolute, modified);
-        if (dependencies.isEmpty())
-            dependencies = getObjectFileDependencies(buildDirectory, input, absolute);
-        if (dependencies.isEmpty())
-            dependencies.append(file->path().canonicalPathQString());
+        // A kept list whose files are all known to be older needs neither a look at each name
+        // nor a copy; any other answer is worked out, and told, name by name.
+        const bool current = dependencyCache.noneNewer(absolute, modified);
+        QStringList dependencies;
+        if (!current) {
+            dependencies = dependencyCache.value(absolute, modified);
+            if (dependencies.isEmpty())
+                dependencies = getObjectFileDependencies(buildDirectory, input, absolute);
+            if (dependencies.isEmpty())
+                dependencies.append(file->path().canonicalPathQString());
+        }
         if ((current ||
              upToDate(buildDirectory, objectFile, modified, dependencies, builder, flags.quiet)) &&
             commandUpToDate(file, configuration, modified, action, builder, flags.quiet) &&
             recordUpToDate(objectFile, signature, builder, flags.quiet)) {
-            dependencyCache.insert(absolute, dependencies);
+            if (!current)
+                dependencyCache.insert(absolute, dependencies);
             if (!flags.quiet && builder)
                 builder->success(upToDateLine(objectFile));
             return false;
