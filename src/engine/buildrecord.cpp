@@ -151,13 +151,19 @@ bool BuildRecord::parse(const QByteArray &text)
         unescaped(fields.at(2)) != m_configuration)
         return false;
     QList<QStringList> settings;
+    // The settings lists of a record differ in a few entries: each distinct entry is made once.
+    QHash<QByteArrayView, QString> entryTexts;
     while (lineStart < text.size()) {
         nextLine(fields);
         if (fields.at(0) == "s") {
             QStringList entries;
             entries.reserve(fields.size() - 1);
-            for (qsizetype f = 1; f < fields.size(); ++f)
-                entries.append(unescaped(fields.at(f)));
+            for (qsizetype f = 1; f < fields.size(); ++f) {
+                auto known = entryTexts.constFind(fields.at(f));
+                if (known == entryTexts.cend())
+                    known = entryTexts.insert(fields.at(f), unescaped(fields.at(f)));
+                entries.append(*known);
+            }
             settings.append(entries);
             continue;
         }
