@@ -29,9 +29,9 @@ QString subSolutionName(int solution)
 
 QString solutionFileName(const SolutionShape &shape, int solution)
 {
-    return solution == 0
-               ? shape.name + QStringLiteral(".hdp")
-               : shape.name + QLatin1Char('_') + subSolutionName(solution) + QStringLiteral(".hdp");
+    if (solution == 0)
+        return shape.name + QStringLiteral(".hdp");
+    return shape.name + QLatin1Char('_') + subSolutionName(solution) + QStringLiteral(".hdp");
 }
 
 bool writeFile(const QString &path, const QByteArray &contents, QString *error)

@@ -161,6 +161,11 @@ bool StandardBuildSystem::commandUpToDate(ProjectElement *element, const QString
                                           QDateTime targetModified, BuildAction action,
                                           Builder *builder, bool quiet)
 {
+    // No setting changed in this run after the target was made: none of them can say
+    // otherwise, and a build asks this of every file.
+    const QDateTime &latest = ProjectElement::latestModification();
+    if (!latest.isValid() || latest <= targetModified)
+        return true;
     const QList<const PropertyClass *> classes = commandProperties(action);
     for (const PropertyClass *propertyClass : classes) {
         if (!projectSystem->upToDate(element, propertyClass, configuration, targetModified, builder,
@@ -243,8 +248,9 @@ QString StandardBuildSystem::findIncludeFile(const QString &projectDirectory,
     const QString slash = QStringLiteral("/");
     for (const QString &directory : directories) {
         for (const QString &candidate :
-             {projectDirectory + slash + directory + slash + file, directory + slash + file,
-              fileDirectory + slash + directory + slash + file}) {
+             {QString(projectDirectory + slash + directory + slash + file),
+              QString(directory + slash + file),
+              QString(fileDirectory + slash + directory + slash + file)}) {
             if (disk().isReadable(candidate))
                 return candidate;
         }

@@ -158,8 +158,8 @@ void LinkerScriptWriter::makeSections(const MemoryMap *placement)
             if ((segment = segmentByName.value(part)))
                 break;
         if (!segment)
-            throw QStringLiteral("section placement file referenced segment ") +
-                placementSegment->name() + QStringLiteral(" not in memory map file");
+            throw QString(QStringLiteral("section placement file referenced segment ") +
+                          placementSegment->name() + QStringLiteral(" not in memory map file"));
 
         const QString name = getMemoryMapElementName(segment);
         Section *previous = lastOfSegment.value(name);
@@ -192,8 +192,8 @@ bool LinkerScriptWriter::advance(Frame &frame, std::vector<Frame> &stack)
         if (section->done)
             return false;
         if (section->visiting)
-            throw QStringLiteral("cyclic memory section dependency with section ") +
-                section->name(false);
+            throw QString(QStringLiteral("cyclic memory section dependency with section ") +
+                          section->name(false));
         section->visiting = true;
         frame.phase = Frame::Plan;
         if (section->previous && !section->previous->done)
@@ -241,15 +241,15 @@ void LinkerScriptWriter::plan(Frame &frame)
     frame.members = found == runInsByTarget.cend() ? nullptr : &found.value();
     const bool hasMembers = frame.members && !frame.members->empty();
     if (element->hasRunIn() && hasMembers)
-        throw QStringLiteral("run section ") + fullName +
-            QStringLiteral(" cannot have run in sections");
+        throw QString(QStringLiteral("run section ") + fullName +
+                      QStringLiteral(" cannot have run in sections"));
 
     if (element->hasRunIn()) {
         frame.form = Frame::RunsElsewhere;
         frame.run = firstByName.value(element->runIn());
         if (!frame.run)
-            throw QStringLiteral("cannot find run section ") + element->runIn() +
-                QStringLiteral(" referenced in ") + section->name(true);
+            throw QString(QStringLiteral("cannot find run section ") + element->runIn() +
+                          QStringLiteral(" referenced in ") + section->name(true));
     } else {
         frame.form = hasMembers ? Frame::RunArea : Frame::Plain;
     }
@@ -262,9 +262,10 @@ QString LinkerScriptWriter::startExpression(const Section *section) const
     if (element->hasAddress()) {
         if (element->address() >= segment->address() && element->address() < segmentEnd(segment))
             return QStringLiteral("0x") + h8(element->address());
-        throw QStringLiteral("The ") + section->name(false) +
+        throw QString(
+            QStringLiteral("The ") + section->name(false) +
             QStringLiteral(" section has been placed at an absolute address outside of its "
-                           "segment range.");
+                           "segment range."));
     }
 
     QString start;

@@ -119,9 +119,9 @@ MemoryMapElement *MemoryMap::load1(const QString &path, QString *failure)
     if (newRoot)
         newRoot->lastModified = QFileInfo(path).lastModified();
     else if (failure)
-        *failure = parsed ? path + QStringLiteral(": no element")
-                          : path + QStringLiteral(":") + QString::number(errorLine) +
-                                QStringLiteral(": ") + QString::fromLocal8Bit(errorMessage());
+        *failure = parsed ? QString(path + QStringLiteral(": no element"))
+                          : QString(path + QStringLiteral(":") + QString::number(errorLine) +
+                                    QStringLiteral(": ") + QString::fromLocal8Bit(errorMessage()));
 
     root = previousRoot;
     readOnly = previousReadOnly;

@@ -76,7 +76,8 @@ bool scriptIsCurrent(ProjectElement *project, const QString &configuration, cons
         return current;
     const QDateTime placementTime = disk.modified(sectionPlacementPath);
     if (!placementTime.isValid())
-        throw QStringLiteral("section placement file does not exist: ") + sectionPlacementPath;
+        throw QString(QStringLiteral("section placement file does not exist: ") +
+                      sectionPlacementPath);
     return current && placementTime < scriptTime;
 }
 
@@ -111,7 +112,7 @@ void writeScript(ProjectElement *project, const QString &configuration, const QS
         setting(project, overflowSetting, configuration) == QLatin1String("Yes");
     const MemoryMap *map = MemoryMapOpenFiles::getMemoryMapFile(memoryMapPath);
     if (!map)
-        throw QStringLiteral("cannot load memory map file: ") + memoryMapPath;
+        throw QString(QStringLiteral("cannot load memory map file: ") + memoryMapPath);
     if (builder)
         builder->message(QStringLiteral("Generating linker script"));
 
@@ -123,7 +124,8 @@ void writeScript(ProjectElement *project, const QString &configuration, const QS
                 ? map
                 : MemoryMapOpenFiles::getMemoryMapFile(sectionPlacementPath);
         if (!placement)
-            throw QStringLiteral("cannot load section placement file: ") + sectionPlacementPath;
+            throw QString(QStringLiteral("cannot load section placement file: ") +
+                          sectionPlacementPath);
     }
 
     QByteArray text;
@@ -138,9 +140,9 @@ void writeScript(ProjectElement *project, const QString &configuration, const QS
     buildSystem->ensureDirExists(script);
     QSaveFile file(script);
     if (!file.open(QIODevice::WriteOnly))
-        throw QStringLiteral("cannot create linker script file: ") + script;
+        throw QString(QStringLiteral("cannot create linker script file: ") + script);
     if (file.write(text) != text.size() || !file.commit())
-        throw QStringLiteral("cannot write linker script file: ") + script;
+        throw QString(QStringLiteral("cannot write linker script file: ") + script);
 }
 
 } // namespace

@@ -26,8 +26,8 @@ inline QByteArray archiveBytes(qint32 count, const QList<RawMember> &members,
     };
     QByteArray bytes = le(magic) + le(quint32(count));
     for (const RawMember &m : members)
-        bytes += (m.name + '\0' + QByteArray(1023, fill)).left(1024) + le(m.offset) + le(m.size) +
-                 char(m.writable) + QByteArray(3, fill) + le(m.time);
+        bytes += QByteArray(m.name + '\0' + QByteArray(1023, fill)).left(1024) + le(m.offset) +
+                 le(m.size) + char(m.writable) + QByteArray(3, fill) + le(m.time);
     return bytes + data;
 }
 

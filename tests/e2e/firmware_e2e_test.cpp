@@ -20,7 +20,8 @@ QString distLines(const QString &configuration, const QString &work, const QStri
     const QString directory = QString(configuration).replace(' ', '/');
     QString lines = "  Building \"firmware\" in configuration \"" + configuration + "\"\n";
     for (const QString &image : images) {
-        const QString name = image == "xml" ? "memory_map.xml" : "app." + image;
+        const QString name =
+            image == "xml" ? QStringLiteral("memory_map.xml") : QString("app." + image);
         lines += "    Copying " + name + "\n    adding " + work + "/dist/" + directory + "/" +
                  name + " to " + work + "/dist/firmware.hdq(" + directory + "/" + name + ").\n";
     }

@@ -46,7 +46,7 @@ protected:
                           settings + "/>";
         for (const QByteArray &source : sources) {
             text += "<file Name=\"" + source + "\" file_name=\"" + source + "\"/>";
-            work.write(name + "/" + source, "int x;\n");
+            work.write(QString(name + "/" + source), "int x;\n");
         }
         return text + "</project>";
     }

@@ -59,7 +59,7 @@ TEST(MakeContiguousTest, FillsGapsAndLaterSectionsWin)
     file.add(0x102, "cc");
     file.makeContiguous(0xFF);
     const std::string image =
-        "100:" + ("AAcc" + QByteArray(0xFC, '\xFF') + "BBBB").toHex().toStdString();
+        "100:" + QByteArray("AAcc" + QByteArray(0xFC, '\xFF') + "BBBB").toHex().toStdString();
     EXPECT_EQ(contents(file), image);
     EXPECT_EQ(file.loadFileSections()->list()[0]->name(), "Contiguous section");
 
