@@ -84,12 +84,13 @@ DiskInterface &DependencyCache::disk()
 
 quint32 DependencyCache::intern(const QString &name)
 {
-    auto found = m_nameNumbers.constFind(name);
-    if (found != m_nameNumbers.constEnd())
-        return *found;
-    const quint32 number = quint32(m_names.size());
-    m_names.append(name);
-    m_nameNumbers.insert(name, number);
+    // One look into the table, whether the name is new or not.
+    const qsizetype known = m_nameNumbers.size();
+    quint32 &number = m_nameNumbers[name];
+    if (m_nameNumbers.size() != known) {
+        number = quint32(m_names.size());
+        m_names.append(name);
+    }
     return number;
 }
 

@@ -184,11 +184,12 @@ QString StandardProjectSystem::getFileType(ProjectElement *element)
     // The suffix is that of the name as written unless a macro makes the name: headers and
     // other files without an action need no more worked out than that.
     const QString written = element->attribute(QStringLiteral("file_name"));
-    const QString suffix =
-        QFileInfo(written.isEmpty() || written.contains(QLatin1Char('$')) ? element->filePath()
-                                                                            : written)
-            .suffix()
-            .toLower();
+    const QString path =
+        written.isEmpty() || written.contains(QLatin1Char('$')) ? element->filePath() : written;
+    // What follows the last dot of the name, as QFileInfo::suffix has it.
+    const QStringView name = QStringView(path).mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    const QString suffix = dot < 0 ? QString() : name.mid(dot + 1).toString().toLower();
     const QString dotted = QLatin1Char('.') + suffix;
     QString type;
     if (suffix == QLatin1String("c"))
