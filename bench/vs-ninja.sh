@@ -25,7 +25,7 @@ full_runs=${BENCH_FULL_RUNS:-1}
 
 # --- What the benchmark needs --------------------------------------------------------------
 
-packages=(cmake ninja-build g++ qt6-base-dev hyperfine time)
+packages=(cmake ninja-build g++ qt6-base-dev libmimalloc-dev hyperfine time)
 missing=()
 for package in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 # clang checks that the compile database of -compdb describes the examples' sources.
-packages=(cmake ninja-build g++ qt6-base-dev libgtest-dev libgmock-dev clang)
+packages=(cmake ninja-build g++ qt6-base-dev libmimalloc-dev libgtest-dev libgmock-dev clang)
 # The fuzz targets: clang with its runtime of libFuzzer and the sanitizers.
 packages+=(clang libclang-rt-14-dev)
 # The ARM cross tool chain, its C and C++ libraries, and the emulator that runs the firmware.
