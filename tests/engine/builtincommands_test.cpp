@@ -2,6 +2,7 @@
 #include "foundation/qtx.h"
 
 #include <QFile>
+#include <QThread>
 
 #include <sys/stat.h>
 
@@ -109,4 +110,27 @@ TEST(RealDiskInterface, FollowsDirectoriesThatAppearOrAreReplaced)
     ASSERT_TRUE(QDir(scratch.path()).mkdir("sub"));
     disk.invalidateAll();
     EXPECT_FALSE(disk.modified(kept).isValid()) << "the replaced directory is asked, not the old";
+}
+
+TEST(RealDiskInterface, StampsAreExactAndADirectoryMovesOnWhenAFileComesOrGoes)
+{
+    ScratchDir scratch;
+    RealDiskInterface disk;
+    const QString file = scratch.write("d/f.o", "x");
+    const QString directory = scratch.file("d");
+    const qint64 before = disk.stamp(directory);
+    ASSERT_GT(before, 0);
+    ASSERT_TRUE(disk.setStamp(file, before));
+    EXPECT_EQ(disk.stamp(file), before) << "to the nanosecond";
+    EXPECT_EQ(disk.stamp(directory), before) << "a file's time is not its directory's";
+    EXPECT_EQ(disk.stamp(scratch.file("none")), -1);
+
+    // Later than the clock's step, so that the change shows.
+    QThread::msleep(20);
+    ASSERT_TRUE(QFile::remove(file));
+    EXPECT_GT(disk.stamp(directory), before);
+
+    // Names beyond ASCII are asked about as the file system has them.
+    const QString accented = scratch.write(QStringLiteral("d/\u00e9t\u00e9.o"), "y");
+    EXPECT_TRUE(disk.modified(accented).isValid());
 }
