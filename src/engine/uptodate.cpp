@@ -163,8 +163,7 @@ bool StandardBuildSystem::commandUpToDate(ProjectElement *element, const QString
 {
     // No setting changed in this run after the target was made: none of them can say
     // otherwise, and a build asks this of every file.
-    const QDateTime &latest = ProjectElement::latestModification();
-    if (!latest.isValid() || latest <= targetModified)
+    if (!ProjectElement::changedAfter(targetModified))
         return true;
     const QList<const PropertyClass *> classes = commandProperties(action);
     for (const PropertyClass *propertyClass : classes) {

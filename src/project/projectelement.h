@@ -119,7 +119,11 @@ public:
     void clearModifiedDates() { m_modifiedDates.clear(); }
     /// The latest change time of any property of any element in this process; invalid when
     /// nothing was ever changed, as in a console build.
-    static const QDateTime &latestModification() { return s_latestModification; }
+    /// Whether any element's setting was changed in this run after `since`.
+    static bool changedAfter(const QDateTime &since)
+    {
+        return s_latestModification.isValid() && s_latestModification > since;
+    }
     /// Whether the `configuration` child decides if `saveName` changed after `since`; if it
     /// does, `changed` holds the answer.
     bool propertyHasChanged(const QString &configuration, const QString &saveName,

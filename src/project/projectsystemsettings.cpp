@@ -268,8 +268,7 @@ bool ProjectSystem::upToDate1(ProjectElement *element, const PropertyClass *prop
 {
     // Only a change stamped after `since` can make the answer false: when there is none
     // anywhere, which is every console build, the walk is not needed.
-    const QDateTime &latest = ProjectElement::latestModification();
-    if (!latest.isValid() || latest <= since)
+    if (!ProjectElement::changedAfter(since))
         return true;
     const bool list = propertyClass->type() == PropertyClass::StringList;
     const QString saveName = propertyClass->saveName();
